@@ -1,0 +1,53 @@
+# The driver: one set of objects, linked into the library that a runtime loads and into the tests,
+# which need the internal functions that the library does not export.
+add_library(kp410_core OBJECT
+  check/Func_Check_registers.cpp
+  check/Func_Check_reply.cpp
+  check/Func_Check_sums.cpp
+  data/Func_DealData.cpp
+  data/Func_GetOrSetData_read.cpp
+  data/Func_GetOrSetData_store.cpp
+  data/Func_GetOrSetData_write.cpp
+  data/image.cpp
+  data/write_pieces.cpp
+  driver/Communication_Protocol.cpp
+  driver/cycle.cpp
+  driver/dispatch.cpp
+  driver/finish.cpp
+  driver/layout.cpp
+  driver/log.cpp
+  driver/scheduler.cpp
+  driver/setup.cpp
+  encode/Func_Read.cpp
+  encode/Func_Remote.cpp
+  encode/Func_Write.cpp
+  encode/frame.cpp
+  lists/Func_Initi_address.cpp
+  lists/Func_Initi_add.cpp
+  lists/Func_Initi_regroup.cpp
+  lists/pieces.cpp)
+target_include_directories(kp410_core PUBLIC ${CMAKE_SOURCE_DIR}/include ${CMAKE_SOURCE_DIR})
+target_link_libraries(kp410_core PUBLIC Qt5::Core PRIVATE kp410_warnings)
+set_target_properties(kp410_core PROPERTIES
+  POSITION_INDEPENDENT_CODE ON
+  CXX_VISIBILITY_PRESET hidden
+  VISIBILITY_INLINES_HIDDEN ON)
+
+add_library(talmor_kp410_port SHARED)
+target_link_libraries(talmor_kp410_port PRIVATE kp410_core kp410_warnings Qt5::Core)
+target_include_directories(talmor_kp410_port INTERFACE ${CMAKE_SOURCE_DIR}/include)
+set_target_properties(talmor_kp410_port PROPERTIES
+  VERSION ${PROJECT_VERSION}
+  SOVERSION ${PROJECT_VERSION_MAJOR}
+  LINKER_LANGUAGE CXX
+  LINK_DEPENDS ${CMAKE_SOURCE_DIR}/cmake/exports.map)
+# -Bsymbolic: the runtime may have objects called LB or LW of its own; ours must stay ours.
+target_link_options(talmor_kp410_port PRIVATE
+  -Wl,--version-script=${CMAKE_SOURCE_DIR}/cmake/exports.map
+  -Wl,-Bsymbolic -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+if(NOT KP410_SANITIZE)
+  target_link_options(talmor_kp410_port PRIVATE -Wl,-z,defs)
+endif()
+
+install(TARGETS talmor_kp410_port LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(FILES include/talmor_kp410_port.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})

@@ -1,0 +1,15 @@
+/// The runtime's reads and writes of controller data. GetRegisterData and SetRegisterData are
+/// declared in the installed header.
+#ifndef KP410_DATA_FUNC_GETORSETDATA_H
+#define KP410_DATA_FUNC_GETORSETDATA_H
+
+#include "talmor_kp410_port.h"
+
+/// Puts the value of a write record into the area image of its station, so that host reads show it.
+/// Units: output types a bit address, a bit count and packed bits; other bit types a bit address
+/// and one byte per bit; bytes as they are; words and double words a word address and a word count,
+/// little-endian. Missing `data` bytes are 0. Nothing is stored for a length below 1, an unknown
+/// type, a negative address or an end beyond MAX_IMAGE_BYTES. Takes `storageMutex`.
+void WriteDataToLocal(const RW_VAR* var);
+
+#endif

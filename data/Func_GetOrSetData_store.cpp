@@ -1,0 +1,43 @@
+#include "check/Func_Check.h"
+#include "data/Func_GetOrSetData.h"
+#include "data/image.h"
+
+#include <QMutexLocker>
+
+namespace
+{
+bool isBitRecord(const RegisterTypeInfo& info)
+{
+    return info.area == AREA_OUTPUT || info.definition == DEF_BIT;
+}
+
+ImageSpan spanOfRecord(const RW_VAR& var, const RegisterTypeInfo& info)
+{
+    const qint64 length = var.length;
+    if (isBitRecord(info))
+        return spanOfBits(var.address, length);
+    if (info.definition == DEF_BYTE)
+        return {var.address, length};
+    // Words and double words alike are addressed and counted in words; a double word is never cut.
+    const qint64 words = info.definition == DEF_DWORD ? (length + 1) / 2 * 2 : length;
+    return {qint64{2} * var.address, 2 * words};
+}
+} // namespace
+
+void WriteDataToLocal(const RW_VAR* var)
+{
+    const RegisterTypeInfo* info = findRegisterType(var->regType);
+    if (!info || var->length < 1)
+        return;
+    const ImageSpan span = spanOfRecord(*var, *info);
+    if (!fitsImage(span))
+        return;
+    QMutexLocker lock(&PLC_driver.storageMutex);
+    unsigned char* target = writableSpan(areaImage(var->station, info->area), span);
+    if (!isBitRecord(*info))
+        putBytes(target, var->data, 0, static_cast<int>(span.bytes));
+    else if (info->area == AREA_OUTPUT)
+        putPackedBits(target, var->address % BITS_PER_BYTE, var->data, var->length);
+    else
+        putBitBytes(target, var->address % BITS_PER_BYTE, var->data, var->length);
+}

@@ -1,0 +1,49 @@
+/// Area images: the bytes of one area of one station, in the order that host reads expect.
+#ifndef KP410_DATA_IMAGE_H
+#define KP410_DATA_IMAGE_H
+
+#include "check/Func_Check.h"
+
+/// A run of image bytes. 64-bit, because hostile addresses and counts reach far beyond an int.
+struct ImageSpan {
+    qint64 start;
+    qint64 bytes;
+};
+
+constexpr bool fitsImage(ImageSpan span)
+{
+    return span.start >= 0 && span.bytes >= 0 && span.start + span.bytes <= MAX_IMAGE_BYTES;
+}
+
+/// The bytes that `bits` bits from bit `firstBit` on touch.
+constexpr ImageSpan spanOfBits(qint64 firstBit, qint64 bits)
+{
+    if (firstBit < 0)
+        return {-1, 0};
+    const qint64 start = firstBit / BITS_PER_BYTE;
+    return {start, (firstBit + bits + BITS_PER_BYTE - 1) / BITS_PER_BYTE - start};
+}
+
+/// The image of `area` at `station`, created empty on first use. Hold `storageMutex`.
+QByteArray& areaImage(int station, int area);
+
+/// Lengthens `image` to at least `size` bytes; new bytes are 0.
+void growImage(QByteArray& image, int size);
+
+/// Grows `image` to hold `span`, which must fit, and returns its first byte.
+unsigned char* writableSpan(QByteArray& image, ImageSpan span);
+
+/// Copies `count` bytes of `source` from `from` on; bytes that `source` does not have are 0.
+void putBytes(unsigned char* target, const QByteArray& source, int from, int count);
+
+/// Copies `words` 16-bit words of `source` from byte `from` on, swapping the bytes of each.
+void putSwappedWords(unsigned char* target, const QByteArray& source, int from, int words);
+
+/// Puts `count` bits, packed in `source` least significant first, at bits `shift` (0 to 7) and up
+/// of `target`. Bits that `source` does not have are 0.
+void putPackedBits(unsigned char* target, int shift, const QByteArray& source, int count);
+
+/// The same from one byte of `source` per bit, nonzero meaning 1.
+void putBitBytes(unsigned char* target, int shift, const QByteArray& source, int count);
+
+#endif

@@ -1,0 +1,92 @@
+#include "data/write_pieces.h"
+
+#include "check/arith.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace
+{
+constexpr int WORD_BYTES = 2;
+
+/// How a type's writes are addressed and counted once they are cut.
+struct WriteRule {
+    int unitsPerElement;  ///< address units per element address of the runtime
+    int unitsPerTwoBytes; ///< address units that two bytes of the normalised value cover
+    int pieceMultiple;    ///< a piece is a multiple of so many bytes; 0: one byte to a piece
+};
+
+constexpr WriteRule ruleOf(const RegisterTypeInfo& info)
+{
+    if (info.area == AREA_OUTPUT) // a stream of bits
+        return {info.bytesPerElement * BITS_PER_BYTE, WORD_BYTES * BITS_PER_BYTE, 1};
+    if (info.definition == DEF_BIT || info.definition == DEF_BYTE) // one element to a record
+        return {1, WORD_BYTES, 0};
+    return {info.bytesPerElement / WORD_BYTES, 1, info.bytesPerElement}; // words
+}
+
+constexpr qint64 normalisedBytes(const RegisterTypeInfo& info, qint64 count)
+{
+    if (count < 1)
+        return 0;
+    const qint64 elements = info.definition == DEF_DWORD ? (count + 1) / 2 : count;
+    return elements * info.bytesPerElement;
+}
+} // namespace
+
+ImageSpan spanOfWrite(const RegisterTypeInfo& info, int address, int count)
+{
+    if (info.definition == DEF_BIT)
+        return spanOfBits(address, std::max(count, 0));
+    return {qint64{info.bytesPerElement} * address, normalisedBytes(info, count)};
+}
+
+QByteArray normalisedValue(const RegisterTypeInfo& info, const QByteArray& value, int count)
+{
+    const int bytes = static_cast<int>(normalisedBytes(info, count));
+    QByteArray normal(bytes, '\0');
+    unsigned char* out = reinterpret_cast<unsigned char*>(normal.data());
+    if (info.definition != DEF_BYTE) {
+        putBytes(out, value, 0, bytes);
+        return normal;
+    }
+    // The runtime hands bytes over in 16-bit slots of which the low byte counts.
+    for (int i = 0; i < bytes && i * WORD_BYTES < value.size(); ++i)
+        out[i] = wireBytes(value)[i * WORD_BYTES];
+    return normal;
+}
+
+int bytesPerPiece(const RegisterTypeInfo& info, int blockLimit, int total)
+{
+    const int multiple = ruleOf(info).pieceMultiple;
+    if (multiple == 0)
+        return 1;
+    if (blockLimit < 1)
+        return total;
+    const qint64 rounded = (qint64{blockLimit} + multiple - 1) / multiple * multiple;
+    return static_cast<int>(std::min<qint64>(rounded, std::max(total, 1)));
+}
+
+WritePiece pieceAt(const RegisterTypeInfo& info, int address, const QByteArray& value, int position,
+                   int bytes)
+{
+    const WriteRule rule = ruleOf(info);
+    const QByteArray data = value.mid(position, bytes);
+    const qint64 start = qint64{address} * rule.unitsPerElement +
+                         qint64{position} * rule.unitsPerTwoBytes / WORD_BYTES;
+    const qint64 length = qint64{data.size()} * rule.unitsPerTwoBytes / WORD_BYTES;
+    return {wrapToInt(start), wrapToInt(length), data};
+}
+
+WritePiece outputBitPiece(int address, const QByteArray& value, int count)
+{
+    const int bits = std::max(count, 0);
+    QByteArray packed((bits + BITS_PER_BYTE - 1) / BITS_PER_BYTE, '\0');
+    char* out = packed.data();
+    for (int i = 0; i < std::min(bits, value.size()); ++i) {
+        const int bit = value.at(i) & 1;
+        out[i / BITS_PER_BYTE] =
+            static_cast<char>(out[i / BITS_PER_BYTE] | (bit << (i % BITS_PER_BYTE)));
+    }
+    return {address, count, packed};
+}

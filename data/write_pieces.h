@@ -1,0 +1,36 @@
+/// How a host write becomes write records: normalising the value and cutting it, without state.
+#ifndef KP410_DATA_WRITE_PIECES_H
+#define KP410_DATA_WRITE_PIECES_H
+
+#include "talmor_kp410_port.h"
+
+#include "data/image.h"
+
+/// One write record's share of a host write, in the units of the write encoders and of
+/// WriteDataToLocal.
+struct WritePiece {
+    int address;
+    int length;
+    QByteArray data;
+};
+
+/// The image bytes that a host write of `count` elements at `address` reaches.
+ImageSpan spanOfWrite(const RegisterTypeInfo& info, int address, int count);
+
+/// The value in the runtime's format as elements alone, padded with zeros and cut to `count`
+/// elements: a byte per bit or byte, 2 per word, 4 per double word (two of `count`).
+QByteArray normalisedValue(const RegisterTypeInfo& info, const QByteArray& value, int count);
+
+/// Bytes of a normalised value of `total` bytes that one queued piece carries. `blockLimit` is in
+/// bytes, rounded up to whole words or double words; below 1 it is no limit.
+int bytesPerPiece(const RegisterTypeInfo& info, int blockLimit, int total);
+
+/// The piece of `bytes` bytes from byte `position` of a normalised value on, of a variable at
+/// element `address`. Not for OUTPUT_BIT.
+WritePiece pieceAt(const RegisterTypeInfo& info, int address, const QByteArray& value, int position,
+                   int bytes);
+
+/// The whole write of `count` output bits as one piece: bit 0 of each value byte, packed.
+WritePiece outputBitPiece(int address, const QByteArray& value, int count);
+
+#endif

@@ -1,0 +1,83 @@
+#include "driver/finish.h"
+
+#include "driver/Communication_Protocol.h"
+
+namespace
+{
+/// The list that finished variables leave, or null for the cyclic list and before the first turn.
+QList<RW_VAR>* queueOf(int source)
+{
+    switch (source) {
+    case SOURCE_WRITE:
+        return &PLC_driver.writeList;
+    case SOURCE_ONCE:
+        return &PLC_driver.onceReadList;
+    default:
+        return nullptr;
+    }
+}
+
+bool sameKeys(const RW_VAR& a, const RW_VAR& b)
+{
+    return a.hostKey == b.hostKey && a.hostSubKey == b.hostSubKey;
+}
+
+bool headHasDuplicate(const QList<RW_VAR>& queue)
+{
+    const RW_VAR& head = queue.at(0);
+    for (int i = 1; i < queue.size(); ++i) {
+        if (sameKeys(queue.at(i), head))
+            return true;
+    }
+    return false;
+}
+
+void reportCompletion(const QList<RW_VAR>& queue, bool failed)
+{
+    // A later entry with the same keys will report the success of them all.
+    if (!PLC_driver.finishCallback || (!failed && headHasDuplicate(queue)))
+        return;
+    const RW_VAR& head = queue.at(0);
+    PLC_driver.finishCallback(PLC_driver.comInfo->hostCookie, head.hostKey, head.hostSubKey,
+                              failed ? FINISH_FAILED : FINISH_DONE);
+}
+
+void reportFailure()
+{
+    QList<RW_VAR> none;
+    if (PLC_driver.failCallback)
+        PLC_driver.failCallback(&none, PLC_driver.retVar.hostKey, 1);
+}
+
+void purgeGroup(QList<RW_VAR>& queue, const RW_VAR& failed)
+{
+    const bool anyStation = PLC_driver.comInfo->stationPerVar == 0;
+    for (int i = 0; i < queue.size();) {
+        const RW_VAR& entry = queue.at(i);
+        if (sameKeys(entry, failed) && (anyStation || entry.station == failed.station))
+            queue.removeAt(i);
+        else
+            ++i;
+    }
+}
+} // namespace
+
+void finishVariable(bool failed, bool remote)
+{
+    const int source = PLC_driver.currentSource;
+    QList<RW_VAR>* queue = queueOf(source);
+    if (queue && !queue->isEmpty()) {
+        if (source == SOURCE_WRITE || !remote)
+            reportCompletion(*queue, failed);
+        passRetValue(queue->first(), PLC_driver.retVar);
+        queue->removeFirst();
+    } else if (source == SOURCE_READ && !PLC_driver.readList.isEmpty()) {
+        passRetValue(PLC_driver.readList.first(), PLC_driver.retVar);
+        rotate(PLC_driver.readList);
+    }
+    if (!failed)
+        return;
+    reportFailure();
+    if (queue)
+        purgeGroup(*queue, PLC_driver.retVar);
+}

@@ -1,0 +1,12 @@
+/// How a variable ends, whoever finds that it has: the communication cycle or the scheduler.
+#ifndef KP410_DRIVER_FINISH_H
+#define KP410_DRIVER_FINISH_H
+
+/// Finishes the head variable of the list that `currentSource` names. A write or one-shot read is
+/// reported through FinishCallback (a one-shot read of another node is not) and leaves its list, a
+/// cyclic read moves to the end of its list; `retVar` names it, its `result` is for the caller to
+/// set. When `failed`, FailCallback follows and the entries with the same keys are removed with it.
+/// Hold `listMutex`.
+void finishVariable(bool failed, bool remote);
+
+#endif

@@ -1,0 +1,38 @@
+#include "driver/log.h"
+
+#include "talmor_kp410_port.h"
+
+#include <QFile>
+
+namespace
+{
+/// True until this process has written its first line.
+bool check = true;
+
+QByteArray padded(int number, int digits)
+{
+    return QByteArray::number(number).rightJustified(digits, '0');
+}
+} // namespace
+
+// Put together by hand: a date pattern's "z" and its digits depend on Qt's version and the locale.
+QByteArray logLine(const QDateTime& when, const char* message)
+{
+    const QDate date = when.date();
+    const QTime time = when.time();
+    return padded(date.year(), 4) + '.' + padded(date.month(), 2) + '.' + padded(date.day(), 2) +
+           '.' + padded(time.hour(), 2) + ':' + padded(time.minute(), 2) + ':' +
+           padded(time.second(), 2) + '.' + padded(time.msec(), 1) + ':' + message + '\n';
+}
+
+void customMessageHandler(QtMsgType /*type*/, const char* message)
+{
+    if (!message)
+        return;
+    QFile file(QString::fromLatin1("debug.log"));
+    const QIODevice::OpenMode fresh = QIODevice::WriteOnly;
+    if (!file.open(check ? fresh : fresh | QIODevice::Append))
+        return;
+    check = false;
+    file.write(logLine(QDateTime::currentDateTime(), message));
+}

@@ -1,0 +1,115 @@
+#include "encode/Func_Write.h"
+
+#include "check/Func_Check.h"
+#include "data/Func_GetOrSetData.h"
+#include "encode/queue.h"
+
+#include <algorithm>
+
+namespace
+{
+typedef void (*Encoder)(const RW_VAR* var);
+
+constexpr bool isNarrow(const RegisterTypeInfo& info)
+{
+    return info.definition == DEF_BIT || info.definition == DEF_BYTE;
+}
+
+Encoder encoderOf(int regType)
+{
+    const RegisterTypeInfo* info = findRegisterType(regType);
+    if (!info || !info->writable)
+        return nullptr;
+    if (info->area == AREA_OUTPUT)
+        return Write_Q;
+    if (info->area == AREA_SPECIAL_BIT)
+        return Write_SM;
+    return isNarrow(*info) ? WriteBool_WordOfBit : WriteAnalog;
+}
+} // namespace
+
+void WriteRegister(const RW_VAR* var)
+{
+    const Encoder encode = encoderOf(var->regType);
+    if (!encode || var->length > MAX_ELEMENTS)
+        return;
+    encode(var);
+    if (!PLC_driver.lastFailed)
+        WriteDataToLocal(var);
+}
+
+void Write_Q(const RW_VAR* var)
+{
+    constexpr int countBytes = 3; // number of bits, byte count
+    QByteArray frame =
+        localHead(var->station, FC_WRITE_OUTPUT_BITS, var->address, countBytes + var->data.size());
+    append16(frame, var->length);
+    append8(frame, var->data.size());
+    frame.append(var->data);
+    appendCrc(frame);
+    queueFrame(frame, WRITE_REPLY, *var);
+    beginRequest(1);
+}
+
+void Write_SM(const RW_VAR* var)
+{
+    constexpr int valueBytes = 2;
+    constexpr int bitOn = 0xFF00;
+    const bool on = !var->data.isEmpty() && var->data.at(0) != 0;
+    QByteArray frame =
+        localHead(var->station, FC_WRITE_SPECIAL_BIT, var->address, var->data.size() + valueBytes);
+    frame.append(var->data);
+    append16(frame, on ? bitOn : 0);
+    appendCrc(frame);
+    queueFrame(frame, WRITE_REPLY, *var);
+    beginRequest(1);
+}
+
+void WriteAnalog(const RW_VAR* var)
+{
+    if (var->regType != MEMORY_WORD && var->regType != MEMORY_DWORD)
+        return;
+    const bool single = var->length == 1;
+    const int whole = std::max(var->length, 0);
+    // Half a double word is not written. Its low word comes first, so swapping words is enough.
+    const int words = var->regType == MEMORY_DWORD ? whole / 2 * 2 : whole;
+    const QByteArray values = wireWords(var->data, words);
+    constexpr int countBytes = 3; // number of words, byte count
+    QByteArray frame =
+        localHead(var->station, single ? FC_WRITE_MEMORY_WORD : FC_WRITE_MEMORY_WORDS, var->address,
+                  countBytes + values.size());
+    if (!single) {
+        append16(frame, var->length);
+        append8(frame, values.size());
+    }
+    frame.append(values);
+    appendCrc(frame);
+    queueFrame(frame, WRITE_REPLY, *var);
+    beginRequest(1);
+}
+
+void WriteBool_WordOfBit(const RW_VAR* var)
+{
+    if (var->station == 0)
+        return;
+    constexpr int bitsPerWord = 16;
+    constexpr int bytesPerWord = 2;
+    RW_VAR step = *var;
+    if (var->regType == MEMORY_BIT)
+        step.address = var->address / bitsPerWord;
+    else if (var->regType == MEMORY_BYTE)
+        step.address = var->address / bytesPerWord;
+
+    step.rwFlag = RW_READ;
+    step.rmwStep = RMW_READ_STEP;
+    queueFrame(readRequest(var->station, FC_READ_MEMORY_WORDS, step.address, 1),
+               replyOfRead(MEMORY_WORD, 1), step);
+
+    step.rwFlag = RW_WRITE;
+    step.rmwStep = RMW_NONE;
+    QByteArray frame = localHead(var->station, FC_WRITE_MEMORY_WORD, step.address, bytesPerWord);
+    append16(frame, 0); // the value and the CRC are known when the read has been answered
+    append16(frame, 0);
+    queueFrame(frame, WRITE_REPLY, step);
+    beginRequest(2);
+}

@@ -1,0 +1,67 @@
+#include "link_serial.h"
+
+#include <QFileInfo>
+#include <QSerialPort>
+
+namespace
+{
+
+QSerialPort::Parity parityOf(char letter)
+{
+    switch (letter) {
+    case 'N':
+        return QSerialPort::NoParity;
+    case 'O':
+        return QSerialPort::OddParity;
+    default:
+        return QSerialPort::EvenParity;
+    }
+}
+
+// A pseudo-terminal has no line to set up, and the C library reports a refused parity as an error.
+bool isPseudoTerminal(const QString& device)
+{
+    return QFileInfo(device).canonicalFilePath().startsWith(QLatin1String("/dev/pts/"));
+}
+
+bool setLine(QSerialPort* port, const SerialSettings& settings)
+{
+    return port->setBaudRate(settings.baud) && port->setDataBits(QSerialPort::Data8) &&
+           port->setParity(parityOf(settings.parity)) &&
+           port->setStopBits(settings.stopBits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop);
+}
+
+std::unique_ptr<QIODevice> openSerial(const SerialSettings& settings, QString* error)
+{
+    auto port = std::make_unique<QSerialPort>(settings.device);
+    if (port->open(QIODevice::ReadWrite) &&
+        (isPseudoTerminal(settings.device) || setLine(port.get(), settings)))
+        return port;
+    *error = port->errorString();
+    return nullptr;
+}
+
+bool serialLost(const QIODevice& device)
+{
+    switch (static_cast<const QSerialPort&>(device).error()) {
+    case QSerialPort::ResourceError:
+    case QSerialPort::ReadError:
+    case QSerialPort::WriteError:
+    case QSerialPort::NotOpenError:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+Link serialLink(const SerialSettings& settings)
+{
+    Link link;
+    link.name = settings.device;
+    link.baud = settings.baud;
+    link.open = [settings](QString* error) { return openSerial(settings, error); };
+    link.lost = serialLost;
+    return link;
+}

@@ -1,0 +1,118 @@
+#include "writes.h"
+
+#include "tag_file.h"
+
+namespace
+{
+
+// Indexed by WriteState.
+constexpr const char* STATE_TEXTS[] = {"not yet due", "queued",  "done",
+                                       "failed",      "refused", "replaced by a newer write"};
+
+/// A newer write has taken the place of this one, so its value need not be found any more.
+bool overtaken(const QVector<Write>& writes, int index)
+{
+    for (int i = index + 1; i < writes.size(); ++i)
+        if (writes[i].tag == writes[index].tag && writes[i].state == WriteState::Done)
+            return true;
+    return false;
+}
+
+QString takeDueTime(QString* text, Micros* due)
+{
+    const int colon = text->indexOf(QLatin1Char(':'));
+    bool good = false;
+    const double seconds = text->left(colon).toDouble(&good);
+    if (colon < 0 || !good || !(seconds >= 0 && seconds < 1e9))
+        return QStringLiteral("expected SECONDS:NAME=VALUE");
+    *due = static_cast<Micros>(seconds * static_cast<double>(MICROS_PER_SECOND));
+    text->remove(0, colon + 1);
+    return QString();
+}
+
+} // namespace
+
+QString addWrite(const QString& text, bool timed, const QVector<Tag>& tags, QVector<Write>* writes)
+{
+    Write write;
+    QString rest = text;
+    if (timed) {
+        const QString problem = takeDueTime(&rest, &write.due);
+        if (!problem.isEmpty())
+            return problem;
+    }
+    const int equals = rest.indexOf(QLatin1Char('='));
+    if (equals < 0)
+        return QStringLiteral("expected NAME=VALUE");
+    write.tag = tagByName(tags, rest.left(equals));
+    if (write.tag < 0)
+        return QStringLiteral("there is no tag '%1'").arg(rest.left(equals));
+    const Tag& tag = tags[write.tag];
+    if (!REGISTER_TYPES[tag.type].writable)
+        return QStringLiteral("%1 cannot be written")
+            .arg(QLatin1String(REGISTER_TYPES[tag.type].name));
+    const ParsedValue parsed = parseValue(tag, rest.mid(equals + 1));
+    if (!parsed.error.isEmpty())
+        return parsed.error;
+    write.value = parsed.bytes;
+    write.shown = parsed.shown;
+    write.hostKey = writes->size() + 1; // 0 is the key of the cyclic reads
+    writes->append(write);
+    return QString();
+}
+
+int findWrite(const QVector<Write>& writes, int hostKey, int hostSubKey)
+{
+    for (int i = 0; i < writes.size(); ++i)
+        if (writes[i].hostKey == hostKey && writes[i].tag == hostSubKey &&
+            writes[i].state == WriteState::Queued)
+            return i;
+    return -1;
+}
+
+void finishWrite(QVector<Write>* writes, int index, bool done, Micros now)
+{
+    Write& write = (*writes)[index];
+    write.state = done ? WriteState::Done : WriteState::Failed;
+    write.finishedAt = now;
+    for (Write& other : *writes)
+        if (other.tag == write.tag && other.state == WriteState::Queued &&
+            other.queuedAt < write.queuedAt)
+            other.state = WriteState::Replaced;
+}
+
+int compareReadBack(QVector<Write>* writes, int tag, const QString& value)
+{
+    for (int i = writes->size() - 1; i >= 0; --i) {
+        Write& write = (*writes)[i];
+        if (write.tag != tag || write.state != WriteState::Done)
+            continue;
+        if (write.readBack != ReadBack::Open)
+            return -1;
+        write.readBack = write.shown == value ? ReadBack::Same : ReadBack::Different;
+        write.readValue = value;
+        return i;
+    }
+    return -1;
+}
+
+bool writesGood(const QVector<Write>& writes)
+{
+    for (int i = 0; i < writes.size(); ++i) {
+        const Write& write = writes[i];
+        const bool found = write.readBack == ReadBack::Same || overtaken(writes, i);
+        if (write.state != WriteState::Replaced && !(write.state == WriteState::Done && found))
+            return false;
+    }
+    return true;
+}
+
+QString writeText(const Write& write, const QVector<Tag>& tags)
+{
+    return QStringLiteral("%1=%2").arg(tags[write.tag].name, write.shown);
+}
+
+const char* writeStateText(WriteState state)
+{
+    return STATE_TEXTS[static_cast<int>(state)];
+}

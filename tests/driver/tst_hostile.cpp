@@ -1,0 +1,184 @@
+#include "support/driver.h"
+
+#include <QtTest>
+
+#include <climits>
+
+/// What a careless runtime or a broken line hands in.
+class Hostile : public QObject
+{
+    Q_OBJECT
+
+    static bool locksAreFree()
+    {
+        const bool lists = PLC_driver.listMutex.tryLock();
+        const bool storage = PLC_driver.storageMutex.tryLock();
+        const bool stations = PLC_driver.stationMutex.tryLock();
+        if (lists)
+            PLC_driver.listMutex.unlock();
+        if (storage)
+            PLC_driver.storageMutex.unlock();
+        if (stations)
+            PLC_driver.stationMutex.unlock();
+        return lists && storage && stations;
+    }
+
+private slots:
+    void init() { resetDriver(); }
+    void cleanup() { QVERIFY(locksAreFree()); }
+
+    void callsBeforeTheSettingsRecord()
+    {
+        SetComInfo(nullptr);
+        RW_VAR var = writeOf(MEMORY_WORD, 0, 1, bytes("0100"));
+        var.addressText = text("0");
+        QList<VAR_DESC> vars;
+        vars << VAR_DESC();
+        QByteArray value = bytes("0100");
+        QByteArray reply;
+        QVERIFY(!ComCommunication());
+        QCOMPARE(DataCom(&reply, 0)->result, 1);
+        QCOMPARE(AddListOnceReadVar(&var, ADD_CHECKED), 0);
+        QCOMPARE(ReCreatReadVarList(&vars), 0);
+        QCOMPARE(write(MEMORY_WORD, "0", value, 1), 0);
+        QCOMPARE(AddListWriteVar(&var, ADD_CHECKED), 1);
+        QVERIFY(!ComCommunication());
+        QCOMPARE(PLC_driver.writeList.size(), 1);
+        QVERIFY(events.isEmpty());
+    }
+
+    void nullPointers()
+    {
+        QList<RW_VAR> out;
+        RW_VAR var;
+        QCOMPARE(AddListReadVar(nullptr), 0);
+        QCOMPARE(AddListWriteVar(nullptr, ADD_UNCHANGED), 0);
+        QCOMPARE(AddListOnceReadVar(nullptr, ADD_UNCHANGED), 0);
+        QCOMPARE(ReCreatReadVarList(nullptr), 0);
+        WhetherGroup(1, 1, nullptr, &out);
+        WhetherGroup(1, 1, &var, nullptr);
+        QVERIFY(out.isEmpty());
+        QCOMPARE(int{CalCRC(nullptr, 5)}, 0xFFFF);
+        QCOMPARE(int{CalSUM(nullptr, 5)}, 0);
+    }
+
+    void nullReplyWithALengthChangesNothing()
+    {
+        RW_VAR var = writeOf(MEMORY_WORD, 0, 1, bytes("0100"), 3);
+        AddListWriteVar(&var, ADD_CHECKED);
+        ComCommunication();
+        QCOMPARE(DataCom(nullptr, 8)->result, 1);
+        QCOMPARE(PLC_driver.frameList.size(), 1);
+        QCOMPARE(DataCom(nullptr, 0)->result, 44); // nothing came
+    }
+
+    void missingCallbacksAreSkipped()
+    {
+        RegistCallBackFuncIntf(nullptr, nullptr);
+        for (int key = 0; key < 2; ++key) {
+            RW_VAR var = writeOf(MEMORY_WORD, 0, 1, bytes("0100"), key);
+            AddListWriteVar(&var, ADD_UNCHANGED);
+        }
+        request();
+        QCOMPARE(acknowledge(), 1);
+        request();
+        QCOMPARE(answerNothing(), 42);
+        QVERIFY(PLC_driver.writeList.isEmpty());
+    }
+
+    void bytesBeyondTheLengthNeverReachTheStore()
+    {
+        RW_VAR var = variable(INPUT_BYTE, 0, 2);
+        AddListReadVar(&var);
+        request();
+        QByteArray reply = withCrc("01 02 02 11 22") + bytes("33 44 55 66");
+        QCOMPARE(DataCom(&reply, 7)->result, 1);
+        QCOMPARE(stored(1, AREA_INPUT), bytes("11 22"));
+    }
+
+    void listsEmptiedUnderAPendingFrame()
+    {
+        RW_VAR cyclic = variable(INPUT_BYTE, 0, 1);
+        AddListReadVar(&cyclic);
+        request();
+        QList<VAR_DESC> none;
+        ReCreatReadVarList(&none);
+        QCOMPARE(answer(withCrc("01 02 01 AA")), 1);
+        QCOMPARE(stored(1, AREA_INPUT), bytes("AA"));
+        QVERIFY(!ComCommunication());
+    }
+
+    void countersAtTheirLimit()
+    {
+        RW_VAR var = variable(INPUT_BYTE, 0, 1);
+        AddListReadVar(&var);
+        settings.retryCount = INT_MAX;
+        settings.retryLimit = INT_MAX;
+        request();
+        QCOMPARE(answerNothing(), 0); // wraps instead of overflowing
+        settings.framesDone = INT_MAX;
+        QCOMPARE(answer(withCrc("01 02 01 AA")), 1);
+    }
+
+    /// Records that no encoder or area can make sense of: each is served or given up, none stays.
+    void senselessWritesLeaveTheList_data()
+    {
+        QTest::addColumn<int>("remoteFraming");
+        QTest::newRow("local") << 0;
+        QTest::newRow("remote") << 1;
+    }
+
+    void senselessWritesLeaveTheList()
+    {
+        QFETCH(int, remoteFraming);
+        settings.remoteFraming = remoteFraming;
+        const int extremes[] = {INT_MIN, -1, 0, 1, 65536, INT_MAX};
+        int queued = 0;
+        for (int type = -2; type < 17; ++type) {
+            for (const int address : extremes) {
+                for (const int length : extremes) {
+                    RW_VAR var = writeOf(type, address, length, bytes("01"), queued);
+                    AddListWriteVar(&var, ADD_UNCHANGED);
+                    ++queued;
+                }
+            }
+        }
+        for (int i = 0; i < 3 * queued && !PLC_driver.writeList.isEmpty(); ++i) {
+            if (ComCommunication())
+                answerNothing();
+        }
+        QVERIFY(PLC_driver.writeList.isEmpty());
+        QCOMPARE(events.filter(text("finish")).size(), queued);
+        QCOMPARE(events.filter(text("fail 0")).size(), queued);
+        for (const QByteArray& image : DataStorage.value(1))
+            QVERIFY(image.size() <= MAX_IMAGE_BYTES);
+    }
+
+    void senselessReadsStoreNothingOutsideTheirPlace()
+    {
+        const int extremes[] = {INT_MIN, -1, 0, 1, 65536, INT_MAX};
+        for (int type = -2; type < 17; ++type) {
+            for (const int address : extremes) {
+                for (const int length : extremes) {
+                    RW_VAR var = variable(type, address, length);
+                    var.addressText = QString::number(address);
+                    RW_VAR checked = var;
+                    AddListOnceReadVar(&var, ADD_UNCHANGED);
+                    AddListOnceReadVar(&checked, ADD_CHECKED);
+                }
+            }
+        }
+        while (!PLC_driver.onceReadList.isEmpty()) {
+            const Protocol* frame = ComCommunication();
+            if (!frame)
+                continue;
+            const int size = qBound(2, frame->replyLength, 300);
+            answer(withCrc(QByteArray(size - 2, '\x77')));
+        }
+        for (const QByteArray& image : DataStorage.value(1))
+            QVERIFY(image.size() <= MAX_IMAGE_BYTES);
+    }
+};
+
+QTEST_APPLESS_MAIN(Hostile)
+#include "tst_hostile.moc"

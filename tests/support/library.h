@@ -1,0 +1,36 @@
+/// The built library as a runtime gets it: loaded at run time, every function bound by its name.
+#ifndef KP410_TESTS_LIBRARY_H
+#define KP410_TESTS_LIBRARY_H
+
+#include "talmor_kp410_port.h"
+
+#include <dlfcn.h>
+
+class Library
+{
+public:
+    explicit Library(const char* path) : handle(dlopen(path, RTLD_NOW | RTLD_LOCAL)) {}
+    ~Library()
+    {
+        if (handle)
+            dlclose(handle);
+    }
+    Library(const Library&) = delete;
+    Library& operator=(const Library&) = delete;
+
+    bool isLoaded() const { return handle != nullptr; }
+
+    template <typename Function>
+    Function* bind(const char* name) const
+    {
+        return reinterpret_cast<Function*>(dlsym(handle, name));
+    }
+
+private:
+    void* handle;
+};
+
+/// A pointer to the library's function or object of this name.
+#define BIND(library, name) (library).bind<decltype(::name)>(#name)
+
+#endif

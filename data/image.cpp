@@ -32,10 +32,10 @@ void putBytes(unsigned char* target, const QByteArray& source, int from, int cou
 
 void putSwappedWords(unsigned char* target, const QByteArray& source, int from, int words)
 {
-    const char* wire = source.constData() + from;
-    for (int i = 0; i < words; ++i) {
-        target[2 * i] = static_cast<unsigned char>(wire[2 * i + 1]);
-        target[2 * i + 1] = static_cast<unsigned char>(wire[2 * i]);
+    const unsigned char* wire = wireBytes(source) + from;
+    for (const unsigned char* end = wire + 2 * std::ptrdiff_t{words}; wire != end; wire += 2) {
+        *target++ = wire[1];
+        *target++ = wire[0];
     }
 }
 

@@ -51,8 +51,9 @@ QByteArray normalisedValue(const RegisterTypeInfo& info, const QByteArray& value
         return normal;
     }
     // The runtime hands bytes over in 16-bit slots of which the low byte counts.
-    for (int i = 0; i < bytes && i * WORD_BYTES < value.size(); ++i)
-        out[i] = wireBytes(value)[i * WORD_BYTES];
+    const int present = std::min(bytes, (value.size() + 1) / WORD_BYTES);
+    for (int i = 0; i < present; ++i)
+        out[i] = static_cast<unsigned char>(value.at(i * WORD_BYTES));
     return normal;
 }
 

@@ -1,0 +1,35 @@
+#!/bin/bash
+# Installs the Debian packages of a set, those only that are not there yet.
+set -euo pipefail
+
+usage() {
+    echo "usage: $0 demo|tests" >&2
+    exit 2
+}
+
+[ $# -eq 1 ] || usage
+packages=(g++ cmake ninja-build qtbase5-dev libqt5serialport5-dev)
+case $1 in
+demo) ;;
+tests)
+    packages+=(clang clang-format clang-tidy libclang-rt-14-dev libmodbus-dev pkg-config binutils tmux)
+    ;;
+*) usage ;;
+esac
+
+missing=()
+for package in "${packages[@]}"; do
+    status=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null || true)
+    [ "$status" = installed ] || missing+=("$package")
+done
+if [ ${#missing[@]} -eq 0 ]; then
+    echo "Packages of the set '$1': all there."
+    exit 0
+fi
+
+as_root=()
+[ "$(id -u)" -eq 0 ] || as_root=(sudo)
+echo "Installing ${missing[*]}"
+"${as_root[@]}" apt-get update -qq
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -y -qq --no-install-recommends "${missing[@]}"

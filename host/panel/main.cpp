@@ -9,6 +9,7 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QFile>
 
 #include <csignal>
 #include <cstdio>
@@ -83,6 +84,20 @@ void run(Panel* panel, Micros duration)
     }
 }
 
+ExitStatus report(const Panel& panel, Micros end, const QString& fileName)
+{
+    const QByteArray text =
+        (summary(panel, end).join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8();
+    std::printf("\n%s", text.constData());
+    QFile file(fileName);
+    if (!fileName.isEmpty() &&
+        (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.flush())) {
+        complain({QStringLiteral("%1: %2").arg(fileName, file.errorString())});
+        return EXIT_USAGE;
+    }
+    return exitStatus(panel, end);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -116,8 +131,7 @@ int main(int argc, char** argv)
     if (refused.isEmpty()) {
         run(&panel, options.duration);
         const Micros end = panel.clock();
-        std::printf("\n%s\n", summary(panel, end).join(QLatin1Char('\n')).toUtf8().constData());
-        status = exitStatus(panel, end);
+        status = report(panel, end, options.summaryFile);
     } else {
         complain({refused});
     }

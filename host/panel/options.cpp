@@ -88,6 +88,7 @@ void describe(QCommandLineParser* parser)
     for (const Number& number : {BAUD, STOP, TIMEOUT, DELAY, RETRIES, BLOCK, DURATION})
         addNumber(parser, number);
     parser->addOption({QStringLiteral("remote"), QStringLiteral("Use the remote framing")});
+    option("summary", "Write the summary to a file as well", "FILE");
     option("write", "Write at the start; may be repeated", "NAME=VALUE");
     option("write-at", "Write at a time; may be repeated", "SECONDS:NAME=VALUE");
 }
@@ -108,6 +109,7 @@ QString parseOptions(const QStringList& arguments, Options* options)
         options->tagFile = parser.positionalArguments().constFirst();
     takeLink(parser, options, &errors);
     options->library = parser.value(QStringLiteral("library"));
+    options->summaryFile = parser.value(QStringLiteral("summary"));
     options->baud = takeNumber(parser, BAUD, &errors);
     options->stopBits = takeNumber(parser, STOP, &errors);
     options->timeout = takeNumber(parser, TIMEOUT, &errors) * MICROS_PER_MILLI;

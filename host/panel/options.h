@@ -6,7 +6,7 @@
 #include <QStringList>
 
 struct Options {
-    QString tagFile, library;
+    QString tagFile, library, summaryFile;
     QString serialDevice, tcpHost;
     quint16 tcpPort = 0;
     int baud = 0, stopBits = 0;

@@ -29,7 +29,8 @@ QStringList writeLines(const Panel& panel)
         QString line = QStringLiteral("  %1 %2").arg(writeText(write, panel.tags),
                                                      QLatin1String(writeStateText(write.state)));
         if (write.state == WriteState::Done)
-            line += QStringLiteral(" in %1 s").arg(seconds(write.finishedAt - write.queuedAt)) +
+            line += QStringLiteral(" in %1 ms")
+                        .arg((write.finishedAt - write.queuedAt) / MICROS_PER_MILLI) +
                     readBackText(write);
         lines << line;
     }

@@ -12,8 +12,8 @@ constexpr Micros NEVER = -1;
 struct TagState {
     QVector<Micros> receivedAt; ///< of each byte that the tag occupies; NEVER at first
     QString value;              ///< empty until received or written
-    bool failed = false;        ///< its block was given up since it was last received
-    bool written = false;       ///< the value was written and has not been read since
+    bool failed = false;  ///< its block was given up, or its station silent, since it was received
+    bool written = false; ///< the value was written and has not been read since
 };
 
 enum class Quality { Waiting, Good, Written, Stale, NoAnswer };

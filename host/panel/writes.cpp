@@ -9,13 +9,15 @@ namespace
 constexpr const char* STATE_TEXTS[] = {"not yet due", "queued",  "done",
                                        "failed",      "refused", "replaced by a newer write"};
 
-/// A newer write has taken the place of this one, so its value need not be found any more.
-bool overtaken(const QVector<Write>& writes, int index)
+/// The write to the tag that was done last: it decides what is to be read back.
+int lastDone(const QVector<Write>& writes, int tag)
 {
-    for (int i = index + 1; i < writes.size(); ++i)
-        if (writes[i].tag == writes[index].tag && writes[i].state == WriteState::Done)
-            return true;
-    return false;
+    int last = -1;
+    for (int i = 0; i < writes.size(); ++i)
+        if (writes[i].tag == tag && writes[i].state == WriteState::Done &&
+            (last < 0 || writes[i].finishedAt >= writes[last].finishedAt))
+            last = i;
+    return last;
 }
 
 QString takeDueTime(QString* text, Micros* due)
@@ -83,24 +85,21 @@ void finishWrite(QVector<Write>* writes, int index, bool done, Micros now)
 
 int compareReadBack(QVector<Write>* writes, int tag, const QString& value)
 {
-    for (int i = writes->size() - 1; i >= 0; --i) {
-        Write& write = (*writes)[i];
-        if (write.tag != tag || write.state != WriteState::Done)
-            continue;
-        if (write.readBack != ReadBack::Open)
-            return -1;
-        write.readBack = write.shown == value ? ReadBack::Same : ReadBack::Different;
-        write.readValue = value;
-        return i;
-    }
-    return -1;
+    const int last = lastDone(*writes, tag);
+    if (last < 0 || (*writes)[last].readBack != ReadBack::Open)
+        return -1;
+    Write& write = (*writes)[last];
+    write.readBack = write.shown == value ? ReadBack::Same : ReadBack::Different;
+    write.readValue = value;
+    return last;
 }
 
 bool writesGood(const QVector<Write>& writes)
 {
     for (int i = 0; i < writes.size(); ++i) {
         const Write& write = writes[i];
-        const bool found = write.readBack == ReadBack::Same || overtaken(writes, i);
+        const bool overtaken = lastDone(writes, write.tag) != i;
+        const bool found = write.readBack == ReadBack::Same || overtaken;
         if (write.state != WriteState::Replaced && !(write.state == WriteState::Done && found))
             return false;
     }

@@ -36,7 +36,7 @@ void finishWrite(QVector<Write>* writes, int index, bool done, Micros now);
 /// there is nothing to compare
 int compareReadBack(QVector<Write>* writes, int tag, const QString& value);
 
-/// Every write was acknowledged and read back, or replaced by a newer one.
+/// Every write was acknowledged and, but for those that a newer one overtook, read back.
 bool writesGood(const QVector<Write>& writes);
 
 QString writeText(const Write& write, const QVector<Tag>& tags);

@@ -79,10 +79,10 @@ QString PtyLink::open(const QString& linkPath)
 
 void PtyLink::read()
 {
-    QByteArray bytes(CHUNK_BYTES, Qt::Uninitialized);
-    const auto size = ::read(m_master, bytes.data(), CHUNK_BYTES);
+    char bytes[CHUNK_BYTES];
+    const auto size = ::read(m_master, bytes, sizeof bytes);
     if (size > 0)
-        m_session.receive(bytes.left(static_cast<int>(size)));
+        m_session.receive(QByteArray(bytes, static_cast<int>(size)));
 }
 
 void PtyLink::write(const QByteArray& bytes) const

@@ -73,6 +73,7 @@ private slots:
         row("end beyond the image", MEMORY_WORD, "8388607", 1, 2);
         row("start beyond the image", MEMORY_WORD, "8388609", 0, 0);
         row("offset beyond an int", MEMORY_DWORD, "2147483647", 2, 4);
+        row("start beyond, fewer than none", MEMORY_DWORD, "2147483647", INT_MIN, 0);
         row("count at its limit", INPUT_BYTE, "0", INT_MAX, 0);
         row("unknown type", 14, "16777217", 1, 2);
     }

@@ -1,0 +1,14 @@
+// The books of the loop: what a reply and the driver's callbacks mean for tags, writes and
+// counters.
+#pragma once
+
+#include "loop.h"
+
+void note(Panel* panel, const QString& text);
+
+/// Takes what the callbacks recorded during the last call of the driver.
+/// @param served the variable that the call finished, null when it came before any request
+void takeDriverCallbacks(Panel* panel, const RW_VAR* served);
+
+/// Hands the reply to the driver and notes what came of it.
+void takeReply(Panel* panel, Exchanged* exchanged, int station, int replyLength);

@@ -9,7 +9,6 @@
 
 namespace
 {
-constexpr int WIDEST_ELEMENT_BYTES = 4;
 constexpr int REFUSED_BYTES_PER_ELEMENT = 2;
 
 int refuse(QByteArray& out, int count)
@@ -67,14 +66,14 @@ int GetRegisterData(int /*unused*/, int type, QString* addressText, int station,
         return 0;
     out->clear();
     const int address = addressText ? PLCAddressChangeIntef(type, *addressText) : -1;
-    const qint64 offset = qint64{getPlcStorageAddress(type)} * address;
-    const qint64 end = offset + qint64{WIDEST_ELEMENT_BYTES} * count;
-    if (address < 0 || std::max(offset, end) > MAX_IMAGE_BYTES)
+    const HostAccess access = hostAccess(type, address, count);
+    if (address < 0 || !isWithinReach(access))
         return refuse(*out, count);
 
     QMutexLocker lock(&PLC_driver.storageMutex);
     QByteArray& image = areaImage(station, getPlcReg(type));
-    growImage(image, static_cast<int>(std::max<qint64>(end, 0)));
-    copyValues(*out, image, getRegisterTypeDefinition(type), static_cast<int>(offset), count);
+    growImage(image, static_cast<int>(std::max<qint64>(access.end, 0)));
+    const int offset = static_cast<int>(access.offset);
+    copyValues(*out, image, getRegisterTypeDefinition(type), offset, count);
     return 1;
 }

@@ -6,6 +6,8 @@
 
 namespace
 {
+constexpr unsigned ANY_BIT = 0xFF;
+
 bool isBitRecord(const RegisterTypeInfo& info)
 {
     return info.area == AREA_OUTPUT || info.definition == DEF_BIT;
@@ -32,12 +34,12 @@ void WriteDataToLocal(const RW_VAR* var)
     const ImageSpan span = spanOfRecord(*var, *info);
     if (!fitsImage(span))
         return;
+    const bool bitBytes = info->definition == DEF_BIT && info->area != AREA_OUTPUT;
+    const QByteArray data = bitBytes ? packedBits(var->data, var->length, ANY_BIT) : var->data;
     QMutexLocker lock(&PLC_driver.storageMutex);
     unsigned char* target = writableSpan(areaImage(var->station, info->area), span);
-    if (!isBitRecord(*info))
-        putBytes(target, var->data, 0, static_cast<int>(span.bytes));
-    else if (info->area == AREA_OUTPUT)
-        putPackedBits(target, var->address % BITS_PER_BYTE, var->data, var->length);
+    if (isBitRecord(*info))
+        putPackedBits(target, var->address % BITS_PER_BYTE, data, var->length);
     else
-        putBitBytes(target, var->address % BITS_PER_BYTE, var->data, var->length);
+        putBytes(target, data, 0, static_cast<int>(span.bytes));
 }

@@ -2,6 +2,9 @@
 #include "data/Func_GetOrSetData.h"
 #include "data/write_pieces.h"
 
+#include <QMutexLocker>
+#include <QSet>
+
 namespace
 {
 void putPiece(RW_VAR& record, const WritePiece& piece)
@@ -31,15 +34,49 @@ int queuePiece(RW_VAR& record, const WritePiece& piece)
     return pending;
 }
 
-int queueWrite(RW_VAR& record, const RegisterTypeInfo& info, const QByteArray& value)
+QSet<int> pendingAddresses(int station, int regType)
+{
+    QSet<int> addresses;
+    QMutexLocker lock(&PLC_driver.listMutex);
+    for (const RW_VAR& var : PLC_driver.writeList) {
+        if (var.station == station && var.regType == regType)
+            addresses.insert(var.address);
+    }
+    return addresses;
+}
+
+/// Queues what is left of a write when the list is full: only a piece that replaces a pending write
+/// still has a place, so the others are not offered one by one.
+int queueReplacements(RW_VAR& record, const RegisterTypeInfo& info, int address,
+                      const QByteArray& value, int from, int step)
+{
+    const QSet<int> targets = pendingAddresses(record.station, record.regType);
+    int pending = LIST_LIMIT;
+    for (int position = from; position < value.size(); position += step) {
+        const WritePiece piece = pieceAt(info, address, value, position, step);
+        if (targets.contains(piece.address))
+            pending = queuePiece(record, piece);
+    }
+    if (PLC_driver.lastFailed) {
+        putPiece(record, pieceAt(info, address, value, from, value.size() - from));
+        WriteDataToLocal(&record);
+    }
+    return pending;
+}
+
+int queueWrite(RW_VAR& record, const RegisterTypeInfo& info, const QByteArray& value,
+               int blockLimit)
 {
     const int address = record.address;
     if (record.regType == OUTPUT_BIT)
         return queuePiece(record, outputBitPiece(address, value, record.length));
-    const int step = bytesPerPiece(info, PLC_driver.comInfo->maxBlockLength, value.size());
+    const int step = bytesPerPiece(info, blockLimit, value.size());
     int pending = 0;
-    for (int position = 0; position < value.size(); position += step)
+    int position = 0;
+    for (; position < value.size() && pending < LIST_LIMIT; position += step)
         pending = queuePiece(record, pieceAt(info, address, value, position, step));
+    if (position < value.size())
+        pending = queueReplacements(record, info, address, value, position, step);
     return pending;
 }
 } // namespace
@@ -52,8 +89,7 @@ int SetRegisterData(QString* label, int type, QString* addressText, int station,
         return 0;
     const int address = PLCAddressChangeIntef(type, *addressText);
     const RegisterTypeInfo* info = findRegisterType(type);
-    if (address < 0 || count > MAX_ELEMENTS ||
-        (info && !fitsImage(spanOfWrite(*info, address, count))))
+    if (address < 0 || count > MAX_ELEMENTS || !isWithinReach(hostAccess(type, address, count)))
         return 0;
 
     RW_VAR record;
@@ -77,5 +113,5 @@ int SetRegisterData(QString* label, int type, QString* addressText, int station,
     if (!info || !info->writable)
         return 0;
     *value = normalisedValue(*info, *value, count);
-    return queueWrite(record, *info, *value);
+    return queueWrite(record, *info, *value, settings->maxBlockLength);
 }

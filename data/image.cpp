@@ -8,6 +8,13 @@ QByteArray& areaImage(int station, int area)
     return DataStorage[station][area];
 }
 
+HostAccess hostAccess(int type, int address, int count)
+{
+    constexpr qint64 widestElementBytes = 4;
+    const qint64 offset = qint64{getPlcStorageAddress(type)} * address;
+    return {offset, offset + widestElementBytes * count};
+}
+
 void growImage(QByteArray& image, int size)
 {
     const int before = image.size();
@@ -55,13 +62,15 @@ void putPackedBits(unsigned char* target, int shift, const QByteArray& source, i
     }
 }
 
-void putBitBytes(unsigned char* target, int shift, const QByteArray& source, int count)
+QByteArray packedBits(const QByteArray& bitBytes, int count, unsigned mask)
 {
-    for (int i = 0; i < count; ++i) {
-        const qint64 bit = qint64{shift} + i;
-        const unsigned mask = 1U << (bit % BITS_PER_BYTE);
-        unsigned char& byte = target[bit / BITS_PER_BYTE];
-        const bool on = i < source.size() && source.at(i) != 0;
-        byte = static_cast<unsigned char>(on ? byte | mask : byte & ~mask);
+    const int bits = std::clamp(bitBytes.size(), 0, std::max(count, 0));
+    QByteArray packed((bits + BITS_PER_BYTE - 1) / BITS_PER_BYTE, '\0');
+    char* out = packed.data();
+    const unsigned char* in = wireBytes(bitBytes);
+    for (int i = 0; i < bits; ++i) {
+        const int bit = (in[i] & mask) != 0 ? 1 << (i % BITS_PER_BYTE) : 0;
+        out[i / BITS_PER_BYTE] = static_cast<char>(out[i / BITS_PER_BYTE] | bit);
     }
+    return packed;
 }

@@ -15,6 +15,21 @@ constexpr bool fitsImage(ImageSpan span)
     return span.start >= 0 && span.bytes >= 0 && span.start + span.bytes <= MAX_IMAGE_BYTES;
 }
 
+/// Where a host read or write of `count` elements starts and ends: an image offset as
+/// `getPlcStorageAddress` scales it, and the end with the widest element for every type.
+struct HostAccess {
+    qint64 offset;
+    qint64 end;
+};
+
+HostAccess hostAccess(int type, int address, int count);
+
+/// False for an access that is answered like a bad address.
+constexpr bool isWithinReach(HostAccess access)
+{
+    return access.offset <= MAX_IMAGE_BYTES && access.end <= MAX_IMAGE_BYTES;
+}
+
 /// The bytes that `bits` bits from bit `firstBit` on touch.
 constexpr ImageSpan spanOfBits(qint64 firstBit, qint64 bits)
 {
@@ -43,7 +58,8 @@ void putSwappedWords(unsigned char* target, const QByteArray& source, int from, 
 /// of `target`. Bits that `source` does not have are 0.
 void putPackedBits(unsigned char* target, int shift, const QByteArray& source, int count);
 
-/// The same from one byte of `source` per bit, nonzero meaning 1.
-void putBitBytes(unsigned char* target, int shift, const QByteArray& source, int count);
+/// Packs the first `count` bytes of `bitBytes`, or as many as there are, least significant bit
+/// first; a byte is 1 when it has a bit of `mask`.
+QByteArray packedBits(const QByteArray& bitBytes, int count, unsigned mask);
 
 #endif

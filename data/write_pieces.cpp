@@ -9,10 +9,11 @@ namespace
 {
 constexpr int WORD_BYTES = 2;
 
-/// How a type's writes are addressed and counted once they are cut.
+/// How a type's writes are addressed and counted once they are cut: in bits, single elements or
+/// words.
 struct WriteRule {
-    int unitsPerElement;  ///< address units per element address of the runtime
-    int unitsPerTwoBytes; ///< address units that two bytes of the normalised value cover
+    int unitsPerElement;  ///< per element address of the runtime
+    int unitsPerTwoBytes; ///< of the normalised value: 16 bits, 2 elements or 1 word
     int pieceMultiple;    ///< a piece is a multiple of so many bytes; 0: one byte to a piece
 };
 
@@ -33,13 +34,6 @@ constexpr qint64 normalisedBytes(const RegisterTypeInfo& info, qint64 count)
     return elements * info.bytesPerElement;
 }
 } // namespace
-
-ImageSpan spanOfWrite(const RegisterTypeInfo& info, int address, int count)
-{
-    if (info.definition == DEF_BIT)
-        return spanOfBits(address, std::max(count, 0));
-    return {qint64{info.bytesPerElement} * address, normalisedBytes(info, count)};
-}
 
 QByteArray normalisedValue(const RegisterTypeInfo& info, const QByteArray& value, int count)
 {
@@ -81,13 +75,5 @@ WritePiece pieceAt(const RegisterTypeInfo& info, int address, const QByteArray& 
 
 WritePiece outputBitPiece(int address, const QByteArray& value, int count)
 {
-    const int bits = std::max(count, 0);
-    QByteArray packed((bits + BITS_PER_BYTE - 1) / BITS_PER_BYTE, '\0');
-    char* out = packed.data();
-    for (int i = 0; i < std::min(bits, value.size()); ++i) {
-        const int bit = value.at(i) & 1;
-        out[i / BITS_PER_BYTE] =
-            static_cast<char>(out[i / BITS_PER_BYTE] | (bit << (i % BITS_PER_BYTE)));
-    }
-    return {address, count, packed};
+    return {address, count, packedBits(value, count, 1)};
 }

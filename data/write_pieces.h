@@ -14,9 +14,6 @@ struct WritePiece {
     QByteArray data;
 };
 
-/// The image bytes that a host write of `count` elements at `address` reaches.
-ImageSpan spanOfWrite(const RegisterTypeInfo& info, int address, int count);
-
 /// The value in the runtime's format as elements alone, padded with zeros and cut to `count`
 /// elements: a byte per bit or byte, 2 per word, 4 per double word (two of `count`).
 QByteArray normalisedValue(const RegisterTypeInfo& info, const QByteArray& value, int count);

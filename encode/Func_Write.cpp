@@ -31,7 +31,7 @@ Encoder encoderOf(int regType)
 void WriteRegister(const RW_VAR* var)
 {
     const Encoder encode = encoderOf(var->regType);
-    if (!encode || var->length > MAX_ELEMENTS)
+    if (!encode || (encode == WriteAnalog && var->length > MAX_ELEMENTS))
         return;
     encode(var);
     if (!PLC_driver.lastFailed)
@@ -40,9 +40,7 @@ void WriteRegister(const RW_VAR* var)
 
 void Write_Q(const RW_VAR* var)
 {
-    constexpr int countBytes = 3; // number of bits, byte count
-    QByteArray frame =
-        localHead(var->station, FC_WRITE_OUTPUT_BITS, var->address, countBytes + var->data.size());
+    QByteArray frame = localHead(var->station, FC_WRITE_OUTPUT_BITS, var->address);
     append16(frame, var->length);
     append8(frame, var->data.size());
     frame.append(var->data);
@@ -53,11 +51,9 @@ void Write_Q(const RW_VAR* var)
 
 void Write_SM(const RW_VAR* var)
 {
-    constexpr int valueBytes = 2;
     constexpr int bitOn = 0xFF00;
     const bool on = !var->data.isEmpty() && var->data.at(0) != 0;
-    QByteArray frame =
-        localHead(var->station, FC_WRITE_SPECIAL_BIT, var->address, var->data.size() + valueBytes);
+    QByteArray frame = localHead(var->station, FC_WRITE_SPECIAL_BIT, var->address);
     frame.append(var->data);
     append16(frame, on ? bitOn : 0);
     appendCrc(frame);
@@ -74,10 +70,8 @@ void WriteAnalog(const RW_VAR* var)
     // Half a double word is not written. Its low word comes first, so swapping words is enough.
     const int words = var->regType == MEMORY_DWORD ? whole / 2 * 2 : whole;
     const QByteArray values = wireWords(var->data, words);
-    constexpr int countBytes = 3; // number of words, byte count
-    QByteArray frame =
-        localHead(var->station, single ? FC_WRITE_MEMORY_WORD : FC_WRITE_MEMORY_WORDS, var->address,
-                  countBytes + values.size());
+    QByteArray frame = localHead(
+        var->station, single ? FC_WRITE_MEMORY_WORD : FC_WRITE_MEMORY_WORDS, var->address);
     if (!single) {
         append16(frame, var->length);
         append8(frame, values.size());
@@ -90,7 +84,7 @@ void WriteAnalog(const RW_VAR* var)
 
 void WriteBool_WordOfBit(const RW_VAR* var)
 {
-    if (var->station == 0)
+    if (var->station == 0 || var->address < 0)
         return;
     constexpr int bitsPerWord = 16;
     constexpr int bytesPerWord = 2;
@@ -107,7 +101,7 @@ void WriteBool_WordOfBit(const RW_VAR* var)
 
     step.rwFlag = RW_WRITE;
     step.rmwStep = RMW_NONE;
-    QByteArray frame = localHead(var->station, FC_WRITE_MEMORY_WORD, step.address, bytesPerWord);
+    QByteArray frame = localHead(var->station, FC_WRITE_MEMORY_WORD, step.address);
     append16(frame, 0); // the value and the CRC are known when the read has been answered
     append16(frame, 0);
     queueFrame(frame, WRITE_REPLY, step);

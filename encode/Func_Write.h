@@ -6,8 +6,8 @@
 #include "talmor_kp410_port.h"
 
 /// Queues the frames that write `var` and, unless the last reply failed, puts its value into the
-/// store. Does nothing for a type that cannot be written or for more than MAX_ELEMENTS elements.
-/// Takes `storageMutex`.
+/// store. Does nothing for a type that cannot be written or for more than MAX_ELEMENTS words. Takes
+/// `storageMutex`.
 void WriteRegister(const RW_VAR* var);
 
 void Write_Q(const RW_VAR* var);  ///< bits of the output area, one frame
@@ -17,7 +17,8 @@ void Write_SM(const RW_VAR* var); ///< one special bit, one frame
 void WriteAnalog(const RW_VAR* var);
 
 /// One bit or byte of the memory area: a read of its word, then a write of that word which
-/// SpecialRegisterSave completes. Nothing for station 0, which would never answer the read.
+/// SpecialRegisterSave completes. Nothing for station 0, which would never answer the read, nor for
+/// a negative address, whose write could not be completed.
 void WriteBool_WordOfBit(const RW_VAR* var);
 
 #endif

@@ -11,6 +11,7 @@ namespace
 constexpr int LARGEST_READ_DATA = std::numeric_limits<int>::max() - READ_DATA_OFFSET - CRC_BYTES;
 constexpr int REMOTE_HEAD_BYTES = 21;
 constexpr int CHECKSUM_BYTES = 1;
+constexpr int SHORT_FRAME_BYTES = 8; // reads and single writes
 
 char byteOf(int value, int shift)
 {
@@ -50,19 +51,19 @@ void appendCrc(QByteArray& frame)
     frame.append(bytes, sizeof bytes);
 }
 
-QByteArray localHead(int station, int functionCode, int address, int bodyBytes)
+QByteArray localHead(int station, int functionCode, int address)
 {
     const char head[] = {byteOf(station, 0), byteOf(functionCode, 0), byteOf(address, 8),
                          byteOf(address, 0)};
     QByteArray frame;
-    frame.reserve(static_cast<int>(sizeof head) + bodyBytes + CRC_BYTES);
+    frame.reserve(SHORT_FRAME_BYTES);
     frame.append(head, sizeof head);
     return frame;
 }
 
 QByteArray readRequest(int station, int functionCode, int address, int count)
 {
-    QByteArray frame = localHead(station, functionCode, address, 2);
+    QByteArray frame = localHead(station, functionCode, address);
     append16(frame, count);
     appendCrc(frame);
     return frame;

@@ -28,9 +28,8 @@ void append32(QByteArray& frame, int value);
 /// Appends the CRC-16 of the frame so far, low byte first.
 void appendCrc(QByteArray& frame);
 
-/// Station, function code and start address: the head of every local request, with room reserved
-/// for `bodyBytes` more and the CRC.
-QByteArray localHead(int station, int functionCode, int address, int bodyBytes);
+/// Station, function code and start address: the head of every local request.
+QByteArray localHead(int station, int functionCode, int address);
 
 /// A read request of 8 bytes, in wire units (bits or words).
 QByteArray readRequest(int station, int functionCode, int address, int count);

@@ -210,6 +210,43 @@ private slots:
         QCOMPARE(stored(1, AREA_OUTPUT), bytes("00003412"));
     }
 
+    void waitingWriteIsReplacedAndAFullListRefuses()
+    {
+        settings.maxBlockLength = 2;
+        for (int i = 0; i < LIST_LIMIT; ++i) {
+            RW_VAR fill = writeOf(i < 2 ? MEMORY_WORD : OUTPUT_BIT, 50 + i, 1, bytes("0000"));
+            AddListWriteVar(&fill, ADD_UNCHANGED);
+        }
+        QByteArray value = bytes("0100 0200 0300");
+        QCOMPARE(write(MEMORY_WORD, "50", value, 3), int{LIST_LIMIT});
+        QCOMPARE(PLC_driver.writeList.at(0).data, bytes("0000")); // may be on the wire
+        QCOMPARE(PLC_driver.writeList.at(1).data, bytes("0200"));
+        QVERIFY(DataStorage.isEmpty());
+        PLC_driver.lastFailed = true;
+        QCOMPARE(write(MEMORY_WORD, "50", value, 3), int{LIST_LIMIT});
+        QCOMPARE(stored(1, AREA_MEMORY).mid(100), bytes("0100 0200 0300"));
+    }
+
+    void aWriteOfMorePiecesThanTheListTakes()
+    {
+        QByteArray value(MAX_ELEMENTS, '\x01');
+        QCOMPARE(write(MEMORY_BIT, "0.0", value, MAX_ELEMENTS), int{LIST_LIMIT});
+        QCOMPARE(PLC_driver.writeList.last().address, LIST_LIMIT - 1);
+        value.fill('\0');
+        PLC_driver.writeList.last().address = 500000;
+        QCOMPARE(write(MEMORY_BIT, "0.0", value, MAX_ELEMENTS), int{LIST_LIMIT});
+        QCOMPARE(PLC_driver.writeList.last().data, bytes("00"));
+    }
+
+    void longestWriteIsTaken()
+    {
+        settings.writeMode = WRITE_STORE_ONLY;
+        settings.stationPerVar = 2; // any value but 0 keeps the station
+        QByteArray value(2 * MAX_ELEMENTS, '\x07');
+        QCOMPARE(write(OUTPUT_BYTE, "0", value, MAX_ELEMENTS, 0, 5), 1);
+        QCOMPARE(stored(5, AREA_OUTPUT), QByteArray(MAX_ELEMENTS, '\x07'));
+    }
+
     void nullsAreRefused()
     {
         QString some = text("0");

@@ -78,6 +78,36 @@ private slots:
         QVERIFY(DataStorage.isEmpty());
     }
 
+    void dataIsTakenFromTheOffsetToTheEnd_data()
+    {
+        QTest::addColumn<int>("offset");
+        QTest::addColumn<QByteArray>("image");
+        QTest::newRow("0") << 0 << bytes("01 02 03 11");
+        QTest::newRow("7, cut off at the end") << 7 << bytes("A5 5A");
+        QTest::newRow("end") << 9 << QByteArray();
+        QTest::newRow("beyond") << 12 << QByteArray();
+        QTest::newRow("negative") << -1 << QByteArray();
+    }
+
+    void dataIsTakenFromTheOffsetToTheEnd()
+    {
+        QFETCH(int, offset);
+        expectReplyTo(variable(INPUT_BYTE, 0, 4));
+        PLC_driver.frameList[0].replyDataOffset = offset;
+        QByteArray reply = bytes("01 02 03 11 22 33 44 A5 5A");
+        SaveToLocalDataErea(&reply);
+        QTEST(stored(1, AREA_INPUT), "image");
+    }
+
+    void unconvertedRecordsAreKeyedByTheirOwnType()
+    {
+        store(variable(INPUT_WORD, 1, 1), withCrc("01 02 02 12 34"));
+        QCOMPARE(stored(1, INPUT_WORD), bytes("00 00 34 12"));
+        store(variable(OUTPUT_BIT, 1, 1), withCrc("01 01 01 12"));
+        QCOMPARE(stored(1, OUTPUT_BIT), bytes("00 12"));
+        QCOMPARE(DataStorage.value(1).size(), 2);
+    }
+
     void laterDataOverwritesOnlyItsBytes()
     {
         store(variable(INPUT_BYTE, 0, 4), withCrc("01 02 04 11 22 33 44"));

@@ -106,6 +106,7 @@ private slots:
                                  << 0 << 0;
         };
         crc("01 35 00 05 00 00", SPECIAL_BIT, 5, 1, "");
+        crc("01 35 00 05 80 FF 00", SPECIAL_BIT, 5, 1, "80");
         crc("01 06 00 14", MEMORY_DWORD, 20, 1, "78 56");
         crc("01 10 00 14 00 03 04 56 78 00 34", MEMORY_DWORD, 20, 3, "78 56 34"); // byte missing
         crc("01 10 00 0A 00 00 00", MEMORY_WORD, 10, 0, "34 12");
@@ -137,7 +138,8 @@ private slots:
     {
         QFETCH(int, type);
         QFETCH(int, address);
-        const RW_VAR var = writeOf(type, address, 1, bytes("01"), 6);
+        RW_VAR var = writeOf(type, address, 1, bytes("01"), 6);
+        var.label = text("pump");
         WriteRegister(&var);
         QCOMPARE(PLC_driver.frameList.size(), 2);
         QCOMPARE(settings.frameCount, 2);
@@ -157,27 +159,42 @@ private slots:
         QCOMPARE(writeStep.var.rwFlag, 1);
         QCOMPARE(writeStep.var.rmwStep, 0);
         QCOMPARE(writeStep.var.hostKey, 6);
+        QCOMPARE(writeStep.var.data, bytes("01"));
+        QCOMPARE(writeStep.var.label, var.label);
+    }
+
+    void onlyStationZeroItselfIsSpecial()
+    {
+        const RW_VAR bit = writeOf(MEMORY_BIT, 0, 1, bytes("01"), 0, 256);
+        WriteRegister(&bit);
+        QCOMPARE(PLC_driver.frameList.size(), 2);
+        Remote_WriteVar(&bit);
+        QCOMPARE(PLC_driver.frameList.at(2).replyLength, 8);
     }
 
     void writesWithoutAFrame_data()
     {
         QTest::addColumn<int>("type");
         QTest::addColumn<int>("station");
+        QTest::addColumn<int>("address");
         QTest::addColumn<int>("length");
         QTest::addColumn<bool>("storesValue");
         for (const int type : {0, 3, 6, 9, 13, 14, -1})
-            QTest::newRow(qPrintable(QString::number(type))) << type << 1 << 1 << false;
-        QTest::newRow("bit of station 0") << 2 << 0 << 1 << true;
-        QTest::newRow("byte of station 0") << 5 << 0 << 1 << true;
-        QTest::newRow("longer than any area") << 8 << 1 << 1048577 << false;
+            QTest::newRow(qPrintable(QString::number(type))) << type << 1 << 0 << 1 << false;
+        QTest::newRow("bit of station 0") << 2 << 0 << 0 << 1 << true;
+        QTest::newRow("byte of station 0") << 5 << 0 << 0 << 1 << true;
+        QTest::newRow("negative bit") << 2 << 1 << -1 << 1 << false;
+        QTest::newRow("negative byte") << 5 << 1 << -2 << 1 << false;
+        QTest::newRow("longer than any area") << 8 << 1 << 0 << 1048577 << false;
     }
 
     void writesWithoutAFrame()
     {
         QFETCH(int, type);
         QFETCH(int, station);
+        QFETCH(int, address);
         QFETCH(int, length);
-        const RW_VAR var = writeOf(type, 0, length, bytes("01"), 0, station);
+        const RW_VAR var = writeOf(type, address, length, bytes("01"), 0, station);
         WriteRegister(&var);
         QVERIFY(PLC_driver.frameList.isEmpty());
         QCOMPARE(settings.frameCount, 77);
@@ -251,13 +268,17 @@ private slots:
     void remoteFramesCarryEveryType()
     {
         RW_VAR var = writeOf(INPUT_WORD, 1, 1, QByteArray(300, '\x01'));
+        var.address = 0x00010001;
+        var.nodeId = 2;
+        var.rwFlag = RW_READ; // as the record has it, value or not
         var.auxParam = 0x01020304;
         Remote_WriteVar(&var);
         const QByteArray frame = PLC_driver.frameList.at(0).frame;
+        QCOMPARE(frame.mid(1, 10), bytes("00 00 02 01 00 06 00 01 00 01"));
         QCOMPARE(frame.size(), 322);
         QCOMPARE(frame.left(1), bytes("42")); // the length modulo 256
         QCOMPARE(frame.mid(17, 4), bytes("01 02 03 04"));
-        QCOMPARE(stored(1, AREA_INPUT), bytes("00 00 01 01"));
+        QCOMPARE(stored(1, AREA_INPUT).mid(0x20002), bytes("01 01"));
     }
 };
 

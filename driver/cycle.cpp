@@ -30,11 +30,12 @@ int takeGoodReply(ComInfo& settings, int code, bool remote)
     PLC_driver.lastFailed = false;
     PLC_driver.frameList.removeFirst();
     settings.framesDone = wrapAdd(settings.framesDone, 1);
-    if (settings.framesDone < settings.frameCount)
+    // A frame that waits speaks against counters that the runtime has changed under way.
+    if (settings.framesDone < settings.frameCount || !PLC_driver.frameList.isEmpty())
         return code;
     if (!remote)
         countTowardsScan(settings);
-    finishVariable(false, remote);
+    finishVariable(settings, SERVED, remote);
     return code;
 }
 
@@ -49,7 +50,7 @@ int takeFailedReply(ComInfo& settings, int code, bool remote)
         return RESULT_RETRY;
     settings.retryCount = 0;
     PLC_driver.frameList.clear();
-    finishVariable(true, remote);
+    finishVariable(settings, GIVEN_UP, remote);
     return code;
 }
 } // namespace

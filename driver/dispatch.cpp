@@ -25,6 +25,11 @@ constexpr Outcome judgeLength(int expected, int received)
     return received == expected || expected == REPLY_ANY ? LOCAL_GOOD : LOCAL_WRONG_LENGTH;
 }
 
+static_assert(REMOTE_CORRUPT - LOCAL_CORRUPT == REMOTE_GOOD - LOCAL_GOOD &&
+                  REMOTE_MISSING - LOCAL_MISSING == REMOTE_GOOD - LOCAL_GOOD &&
+                  REMOTE_WRONG_LENGTH - LOCAL_WRONG_LENGTH == REMOTE_GOOD - LOCAL_GOOD,
+              "remote outcomes stand in the order of the local ones");
+
 constexpr Outcome remoteOf(Outcome local)
 {
     return static_cast<Outcome>(local + (REMOTE_GOOD - LOCAL_GOOD));

@@ -1,5 +1,6 @@
 #include "driver/finish.h"
 
+#include "check/records.h"
 #include "driver/Communication_Protocol.h"
 
 namespace
@@ -17,11 +18,6 @@ QList<RW_VAR>* queueOf(int source)
     }
 }
 
-bool sameKeys(const RW_VAR& a, const RW_VAR& b)
-{
-    return a.hostKey == b.hostKey && a.hostSubKey == b.hostSubKey;
-}
-
 bool headHasDuplicate(const QList<RW_VAR>& queue)
 {
     const RW_VAR& head = queue.at(0);
@@ -32,13 +28,13 @@ bool headHasDuplicate(const QList<RW_VAR>& queue)
     return false;
 }
 
-void reportCompletion(const QList<RW_VAR>& queue, bool failed)
+void reportCompletion(const ComInfo& settings, const QList<RW_VAR>& queue, bool failed)
 {
     // A later entry with the same keys will report the success of them all.
     if (!PLC_driver.finishCallback || (!failed && headHasDuplicate(queue)))
         return;
     const RW_VAR& head = queue.at(0);
-    PLC_driver.finishCallback(PLC_driver.comInfo->hostCookie, head.hostKey, head.hostSubKey,
+    PLC_driver.finishCallback(settings.hostCookie, head.hostKey, head.hostSubKey,
                               failed ? FINISH_FAILED : FINISH_DONE);
 }
 
@@ -49,9 +45,8 @@ void reportFailure()
         PLC_driver.failCallback(&none, PLC_driver.retVar.hostKey, 1);
 }
 
-void purgeGroup(QList<RW_VAR>& queue, const RW_VAR& failed)
+void purgeGroup(QList<RW_VAR>& queue, const RW_VAR& failed, bool anyStation)
 {
-    const bool anyStation = PLC_driver.comInfo->stationPerVar == 0;
     for (int i = 0; i < queue.size();) {
         const RW_VAR& entry = queue.at(i);
         if (sameKeys(entry, failed) && (anyStation || entry.station == failed.station))
@@ -62,13 +57,14 @@ void purgeGroup(QList<RW_VAR>& queue, const RW_VAR& failed)
 }
 } // namespace
 
-void finishVariable(bool failed, bool remote)
+void finishVariable(const ComInfo& settings, Ending ending, bool remote)
 {
+    const bool failed = ending == GIVEN_UP;
     const int source = PLC_driver.currentSource;
     QList<RW_VAR>* queue = queueOf(source);
     if (queue && !queue->isEmpty()) {
         if (source == SOURCE_WRITE || !remote)
-            reportCompletion(*queue, failed);
+            reportCompletion(settings, *queue, failed);
         passRetValue(queue->first(), PLC_driver.retVar);
         queue->removeFirst();
     } else if (source == SOURCE_READ && !PLC_driver.readList.isEmpty()) {
@@ -79,5 +75,5 @@ void finishVariable(bool failed, bool remote)
         return;
     reportFailure();
     if (queue)
-        purgeGroup(*queue, PLC_driver.retVar);
+        purgeGroup(*queue, PLC_driver.retVar, settings.stationPerVar == 0);
 }

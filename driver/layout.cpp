@@ -52,3 +52,27 @@ KP410_AT(VAR_DESC, addressText, 8);
 KP410_AT(VAR_DESC, label, 12);
 KP410_AT(VAR_DESC, length, 16);
 #endif
+
+#define KP410_BEHIND(member, next)                                                                 \
+    static_assert(offsetof(Communication_Protocol, member) <                                       \
+                      offsetof(Communication_Protocol, next),                                      \
+                  #next " has moved before " #member)
+
+KP410_BEHIND(comInfo, readList);
+KP410_BEHIND(readList, writeList);
+KP410_BEHIND(writeList, onceReadList);
+KP410_BEHIND(onceReadList, spareList);
+KP410_BEHIND(spareList, frameList);
+KP410_BEHIND(frameList, extendList);
+KP410_BEHIND(extendList, finishCallback);
+KP410_BEHIND(finishCallback, failCallback);
+KP410_BEHIND(failCallback, listMutex);
+KP410_BEHIND(listMutex, storageMutex);
+KP410_BEHIND(storageMutex, stationMutex);
+KP410_BEHIND(stationMutex, stationMap);
+KP410_BEHIND(stationMap, retVar);
+KP410_BEHIND(retVar, currentSource);
+KP410_BEHIND(currentSource, writeBurst);
+KP410_BEHIND(writeBurst, onceReadBurst);
+KP410_BEHIND(onceReadBurst, scanCount);
+KP410_BEHIND(scanCount, lastFailed);

@@ -6,7 +6,7 @@
 
 namespace
 {
-/// True until this process has written its first line.
+/// True until the first message: that one starts the file afresh.
 bool check = true;
 
 QByteArray padded(int number, int digits)
@@ -31,8 +31,9 @@ void customMessageHandler(QtMsgType /*type*/, const char* message)
         return;
     QFile file(QString::fromLatin1("debug.log"));
     const QIODevice::OpenMode fresh = QIODevice::WriteOnly;
-    if (!file.open(check ? fresh : fresh | QIODevice::Append))
-        return;
+    const QIODevice::OpenMode mode = check ? fresh : fresh | QIODevice::Append;
     check = false;
+    if (!file.open(mode))
+        return;
     file.write(logLine(QDateTime::currentDateTime(), message));
 }

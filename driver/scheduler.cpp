@@ -11,9 +11,9 @@ namespace
 /// Writes, and one-shot reads, that may be started between two cyclic reads.
 constexpr int BURST_LIMIT = 5;
 
-void encode(int source, const RW_VAR& var)
+void encode(const ComInfo& settings, int source, const RW_VAR& var)
 {
-    const bool remote = PLC_driver.comInfo->remoteFraming != 0;
+    const bool remote = settings.remoteFraming != 0;
     if (source == SOURCE_WRITE)
         remote ? Remote_WriteVar(&var) : WriteRegister(&var);
     else
@@ -30,40 +30,47 @@ bool passOverOffStations(QList<RW_VAR>& list)
 }
 
 /// Starts the next variable of a list. @return true when its head was to be served
-bool startHead(int source, QList<RW_VAR>& list)
+bool startHead(const ComInfo& settings, int source, QList<RW_VAR>& list)
 {
     PLC_driver.currentSource = source;
     if (!passOverOffStations(list))
         return false;
-    encode(source, list.at(0));
+    encode(settings, source, list.at(0));
     return true;
 }
 
-/// Starts the next write or one-shot read within the limit of its burst. One that no frame can be
-/// built for would hold back all behind it: it is given up at once.
-bool startQueued(int source, QList<RW_VAR>& list, int& burst)
+/// Gives up a write or one-shot read that no frame can be built for: it would hold back all behind
+/// it. No reply has judged it, so its result is none of theirs.
+void giveUpHead(const ComInfo& settings, const QList<RW_VAR>& list)
+{
+    finishVariable(settings, GIVEN_UP, list.at(0).nodeId != settings.ownNode);
+    PLC_driver.retVar.result = RESULT_UNKNOWN;
+}
+
+/// Starts the next write or one-shot read within the limit of its burst.
+bool startQueued(const ComInfo& settings, int source, QList<RW_VAR>& list, int& burst)
 {
     if (list.isEmpty() || burst >= BURST_LIMIT)
         return false;
-    const bool started = startHead(source, list);
+    const bool started = startHead(settings, source, list);
     ++burst;
     if (started && PLC_driver.frameList.isEmpty())
-        finishVariable(true, list.at(0).nodeId != PLC_driver.comInfo->ownNode);
+        giveUpHead(settings, list);
     return started;
 }
 
-bool startCyclic()
+bool startCyclic(const ComInfo& settings)
 {
-    return !PLC_driver.readList.isEmpty() && startHead(SOURCE_READ, PLC_driver.readList);
+    return !PLC_driver.readList.isEmpty() && startHead(settings, SOURCE_READ, PLC_driver.readList);
 }
 
-void startNext()
+void startNext(ComInfo& settings)
 {
-    if (startQueued(SOURCE_WRITE, PLC_driver.writeList, PLC_driver.writeBurst) ||
-        startQueued(SOURCE_ONCE, PLC_driver.onceReadList, PLC_driver.onceReadBurst))
+    if (startQueued(settings, SOURCE_WRITE, PLC_driver.writeList, PLC_driver.writeBurst) ||
+        startQueued(settings, SOURCE_ONCE, PLC_driver.onceReadList, PLC_driver.onceReadBurst))
         return;
-    if (!startCyclic())
-        PLC_driver.comInfo->scanDone = 1;
+    if (!startCyclic(settings))
+        settings.scanDone = 1;
     PLC_driver.writeBurst = 0;
     PLC_driver.onceReadBurst = 0;
 }
@@ -76,11 +83,12 @@ Protocol* headFrame()
 
 Protocol* ComCommunication()
 {
+    ComInfo* settings = PLC_driver.comInfo;
+    if (!settings)
+        return nullptr;
     if (Protocol* pending = headFrame())
         return pending;
-    if (!PLC_driver.comInfo)
-        return nullptr;
     QMutexLocker lock(&PLC_driver.listMutex);
-    startNext();
+    startNext(*settings);
     return headFrame();
 }

@@ -1,30 +1,34 @@
 /**
  * @file talmor_kp410_port.h
  * The whole contract between an operator-panel runtime and the controller driver
- * `libtalmor_kp410_port.so.1`. A runtime is written from this file alone.
+ * `libtalmor_kp410_port.so.1`. A runtime is written from this file alone. C++17.
  *
- * Loading. The runtime calls dlopen and binds every function by its plain name with dlsym;
- * `decltype(&ComCommunication)` is the pointer type to cast to. The library binds its own objects
- * to itself, so a runtime reaches `PLC_driver` and the other objects through dlsym too, never by
- * linking to them.
+ * Loading. The runtime calls dlopen and binds by plain name with dlsym, functions and objects alike
+ * (`decltype(&ComCommunication)` is the type to cast to). Never link to the objects: the library
+ * uses its own whatever the runtime has under the same name.
  *
- * Set-up. `SetComInfo`, then `RegistCallBackFuncIntf`, then variables, then the loop:
+ * Set-up. `SetComInfo`, `RegistCallBackFuncIntf`, then variables, then turn after turn of the loop:
  *
  *     Protocol* frame = ComCommunication();   // null: nothing to send in this turn
  *     send(frame->frame, frame->frameLength); // expect frame->replyLength bytes
- *     RW_VAR* served = DataCom(&reply, n);    // n = 0: nothing came in time
+ *     RW_VAR* served = DataCom(&reply, n);    // n = 0: nothing came in time, or none was expected
  *
  * Threads. The library starts none. `ComCommunication` and `DataCom` belong to one thread, the
- * communication task. All other functions may be called from any thread unless said otherwise.
- * Lock order inside: `listMutex`, then `stationMutex` or `storageMutex`, never those two together.
+ * communication task; the others may be called from any, unless said otherwise. Locks inside are
+ * taken in this order: `listMutex`, then `stationMutex` or `storageMutex`, never those two
+ * together.
  *
- * Errors are values. No function throws. A null pointer, or a call before `SetComInfo` of a
- * function that needs the settings record, gets that function's neutral result: a null frame,
- * `retVar` with result 1, or 0.
+ * Errors are values, nothing throws. A null pointer, or a call before `SetComInfo` of a function
+ * that needs the settings record, gets the neutral result: a null frame, `retVar` with result 1, or
+ * 0.
  *
  * Byte order. On the wire 16-bit fields are big-endian and a double word travels low-order word
  * first. In the store and in every array exchanged with the runtime, values are little-endian and
  * bits are packed least significant first.
+ *
+ * Native units. `readList`, and records added to it or in mode ADD_UNCHANGED, name an area, not a
+ * width: `regType` is the AreaCode, `address` and `length` count bytes in the areas 3, 4 and 12 and
+ * 16-bit words in 8 and 13. Descriptions, and records added in mode ADD_CHECKED, are converted.
  *
  * Ownership. The runtime keeps what it passes in; the lists hold their own copies. The settings
  * record, the callbacks and the memory areas must live until the library is unloaded.
@@ -43,7 +47,6 @@
 
 #define TALMOR_EXPORT __attribute__((visibility("default")))
 
-// ---- Register types ---------------------------------------------------------------------------
 /// Register types: an area of the controller and an access width. The value of `regType`.
 // clang-format off
 enum RegisterType {
@@ -53,16 +56,13 @@ enum RegisterType {
     INPUT_DWORD, OUTPUT_DWORD, MEMORY_DWORD,
     SPECIAL_BIT, SPECIAL_WORD, REGISTER_TYPE_COUNT
 };
-
 /// Width of one element of a register type. 2 to 4 are never produced; 0 is an unknown type.
 enum TypeDefinition { DEF_UNKNOWN = 0, DEF_BIT = 1, DEF_BYTE = 5, DEF_WORD = 6, DEF_DWORD = 7 };
-
 /// Area codes, each the number of the area's native register type. Inner keys of `DataStorage`.
 enum AreaCode {
     AREA_INPUT = INPUT_BYTE, AREA_OUTPUT = OUTPUT_BYTE, AREA_MEMORY = MEMORY_WORD,
     AREA_SPECIAL_BIT = SPECIAL_BIT, AREA_SPECIAL_WORD = SPECIAL_WORD
 };
-
 /// Function codes of the local framing, laid out as Modbus RTU ("Modbus Application Protocol
 /// V1.1b3", modbus.org, for codes 1 to 16). 0x31 is laid out as 0x01, 0x33 as 0x03;
 /// 0x35 has its own layout: station, code, address, value byte, 0xFF or 0x00, 0x00, CRC.
@@ -87,34 +87,27 @@ struct RegisterTypeInfo {
 };
 
 /// Indexed by RegisterType.
+// clang-format off
 inline constexpr RegisterTypeInfo REGISTER_TYPES[REGISTER_TYPE_COUNT] = {
-    {"INPUT_BIT", AREA_INPUT, DEF_BIT, 1, false},
-    {"OUTPUT_BIT", AREA_OUTPUT, DEF_BIT, 1, true},
-    {"MEMORY_BIT", AREA_MEMORY, DEF_BIT, 1, true},
-    {"INPUT_BYTE", AREA_INPUT, DEF_BYTE, 1, false},
-    {"OUTPUT_BYTE", AREA_OUTPUT, DEF_BYTE, 1, true},
-    {"MEMORY_BYTE", AREA_MEMORY, DEF_BYTE, 1, true},
-    {"INPUT_WORD", AREA_INPUT, DEF_WORD, 2, false},
-    {"OUTPUT_WORD", AREA_OUTPUT, DEF_WORD, 2, true},
-    {"MEMORY_WORD", AREA_MEMORY, DEF_WORD, 2, true},
-    {"INPUT_DWORD", AREA_INPUT, DEF_DWORD, 4, false},
-    {"OUTPUT_DWORD", AREA_OUTPUT, DEF_DWORD, 4, true},
+    {"INPUT_BIT",    AREA_INPUT,  DEF_BIT,   1, false}, {"OUTPUT_BIT",   AREA_OUTPUT, DEF_BIT,   1, true},
+    {"MEMORY_BIT",   AREA_MEMORY, DEF_BIT,   1, true},
+    {"INPUT_BYTE",   AREA_INPUT,  DEF_BYTE,  1, false}, {"OUTPUT_BYTE",  AREA_OUTPUT, DEF_BYTE,  1, true},
+    {"MEMORY_BYTE",  AREA_MEMORY, DEF_BYTE,  1, true},
+    {"INPUT_WORD",   AREA_INPUT,  DEF_WORD,  2, false}, {"OUTPUT_WORD",  AREA_OUTPUT, DEF_WORD,  2, true},
+    {"MEMORY_WORD",  AREA_MEMORY, DEF_WORD,  2, true},
+    {"INPUT_DWORD",  AREA_INPUT,  DEF_DWORD, 4, false}, {"OUTPUT_DWORD", AREA_OUTPUT, DEF_DWORD, 4, true},
     {"MEMORY_DWORD", AREA_MEMORY, DEF_DWORD, 4, true},
-    {"SPECIAL_BIT", AREA_SPECIAL_BIT, DEF_BIT, 1, true},
-    {"SPECIAL_WORD", AREA_SPECIAL_WORD, DEF_WORD, 2, false},
+    {"SPECIAL_BIT",  AREA_SPECIAL_BIT, DEF_BIT, 1, true}, {"SPECIAL_WORD", AREA_SPECIAL_WORD, DEF_WORD, 2, false},
 };
-
-// ---- Limits -----------------------------------------------------------------------------------
+// clang-format on
 /// Longest area image. No area of the controller exceeds 65,536 words (128 KiB); the rest is room
 /// for the generous lengthening of host reads, and a bound on what a wild address can cost.
 inline constexpr int MAX_IMAGE_BYTES = 16 * 1024 * 1024;
-/// Longest variable of a host write or of the regrouping, in elements: 65,536 words in bits, more
-/// than any area holds.
+/// Longest host write or regrouped variable, in elements: 65,536 words in bits, all an area holds.
 inline constexpr int MAX_ELEMENTS = 65536 * 16;
 /// Entries from which on the write and the one-shot list refuse an append (mode 1 is exempt).
 inline constexpr int LIST_LIMIT = 1024;
 
-// ---- Result codes -----------------------------------------------------------------------------
 /// What the reply to the head frame turned out to be.
 // clang-format off
 enum Outcome {
@@ -126,7 +119,7 @@ enum ResultCode {
     RESULT_RETRY = 0,         ///< the reply failed, the same frame will be sent again
     RESULT_GOOD = 1,          ///< good reply of the own node; also: no frame was pending
     RESULT_GOOD_REMOTE = 100, ///< good reply of another node
-    RESULT_UNKNOWN = 200      ///< unknown outcome; never produced by a reply
+    RESULT_UNKNOWN = 200      ///< no reply has judged it: unknown outcome, or given up unsent
 };
 /// Number of codes in one error group, one for each `hostKey` 0 to 11; other keys share the first.
 inline constexpr int ERROR_GROUP_SIZE = 12;
@@ -162,21 +155,20 @@ enum Source { SOURCE_READ = 0, SOURCE_WRITE = 1, SOURCE_ONCE = 2, SOURCE_NONE = 
 struct RW_VAR {
     int hostKey = 0;        ///< [0] first key of the runtime, handed to both callbacks
     int hostSubKey = 0;     ///< [4] second key, handed to FinishCallback
-    int rwFlag = RW_READ;   ///< [8] RwFlag; any other value fails every reply
+    int rwFlag = RW_READ;   ///< [8] RwFlag; a write must say so, or its reply is stored
     int remoteMode = 0;     ///< [12] `remoteFraming` when a host write built the record
-    int nodeId = 0;         ///< [16] equal to `ownNode`: local reply; different: remote reply
+    int nodeId = 0;         ///< [16] `ownNode`: good reads are stored; another: never stored
     int result = 0;         ///< [20] ResultCode; meaningful in the record `DataCom` returns
     QString label;          ///< [24] carried, never interpreted
     QString addressText;    ///< [28] start address as text: "12.3" for bits, "100" otherwise
     int regType = 0;        ///< [32] RegisterType
-    int address = 0;        ///< [36] start address, in elements of the type
+    int address = 0;        ///< [36] start address, in elements of the type or native units
     int station = 0;        ///< [40] station number of the controller
     int length = 0;         ///< [44] element count, in length units of the type
-    int rmwStep = RMW_NONE; ///< [48] RmwStep
+    int rmwStep = RMW_NONE; ///< [48] RmwStep; 0 in a record of the runtime
     int auxParam = 0;       ///< [52] carried into the remote header
     QByteArray data;        ///< [56] value bytes
 };
-
 /// One request frame with the shape of its reply. Owned by the driver.
 struct Protocol {
     QByteArray frame;        ///< [0] request bytes, ready to send
@@ -187,15 +179,15 @@ struct Protocol {
     RW_VAR var;              ///< [20] the variable, or the piece of it, that the frame serves
     int reserved1 = 0, reserved2 = 0, reserved3 = 0; ///< [80], [84], [88] always 0
 };
-
-/// The runtime's settings record. The driver touches no byte but the named fields.
+/// The runtime's settings record; it may go on behind these fields. The driver touches no byte but
+/// the named ones, and only reads those that are not said to be its own.
 struct ComInfo {
     int hostArea0[4];   ///< [0] the runtime's own
-    int maxBlockLength; ///< [16] longest read (native units) or write (bytes); < 1: none
+    int maxBlockLength; ///< [16] longest read (native units) or write (bytes); 0: no limit
     int hostArea20;     ///< [20] the runtime's own
     int defaultStation; ///< [24] station of every variable while `stationPerVar` is 0
     int retryLimit;     ///< [28] failed replies tolerated before a variable is given up
-    int retryCount;     ///< [32] failed replies so far, 0 again past the limit; the driver's
+    int retryCount;     ///< [32] failed replies of all variables; 0 past the limit; the driver's
     int stationPerVar;  ///< [36] nonzero: each variable keeps its own station
     int hostArea40;     ///< [40] the runtime's own, set to 0 by `SetComInfo`
     int frameCount;     ///< [44] frames of the current request; the driver's
@@ -207,7 +199,6 @@ struct ComInfo {
     int scanDone;       ///< [68] 1: nothing left to read, or a full pass done; the driver's
     int hostCookie;     ///< [72] first argument of FinishCallback
 };
-
 /// The runtime's description of one cyclically read variable, for `ReCreatReadVarList`.
 struct VAR_DESC {
     unsigned char hostByte0;    ///< [0] not read
@@ -218,17 +209,19 @@ struct VAR_DESC {
     QString label;              ///< [12] carried into the list entry
     int length;                 ///< [16] element count, in length units of the type
 };
-
-/// Element of `extendList`; carries no behaviour.
-struct EXTENDVAR {
+struct EXTENDVAR { ///< element of `extendList`; carries no behaviour
     int reserved1 = 0, reserved2 = 0, reserved3 = 0;
     QByteArray data;
 };
 
 // ---- Callbacks: run with `listMutex` held, so they must not call a function that takes it ------
-/// A write or one-shot read has finished. @param state FinishState
+/// A write or one-shot read has ended: served, or given up, then FailCallback follows. Not called
+/// for one-shot reads of another node, nor for a write that a newer one has replaced in the list.
+/// Of entries with the same two keys only the last reports success; when one is given up, all of
+/// them (of its station, while `stationPerVar` is nonzero) leave the list with this one report.
 typedef void (*FinishCallback)(int hostCookie, int hostKey, int hostSubKey, int state);
-/// A variable was given up. @param vars an empty list, gone after the call; @param flag always 1
+/// A variable was given up; a cyclic read stays in its list. `vars` is an empty list, gone after
+/// the call, `flag` always 1.
 typedef void (*FailCallback)(QList<RW_VAR>* vars, int hostKey, int flag);
 
 // ---- State -----------------------------------------------------------------------------------
@@ -267,8 +260,8 @@ extern TALMOR_EXPORT void* LW;  ///< second area
 extern TALMOR_EXPORT void* RWI; ///< third area
 
 // ---- Set-up ------------------------------------------------------------------------------------
-/// Takes the settings record and clears its `hostArea52` and `hostArea40`. No lock: call it before
-/// communication starts. Null takes the record away again.
+/// Takes the settings record and clears its `hostArea52` and `hostArea40`; null takes the record
+/// away again. No lock: call it while no frame is pending.
 TALMOR_EXPORT void SetComInfo(ComInfo* info);
 /// Takes the two callbacks, either of which may be null. No lock.
 TALMOR_EXPORT void RegistCallBackFuncIntf(FinishCallback finish, FailCallback fail);
@@ -277,25 +270,30 @@ TALMOR_EXPORT void FlashLocalRegister(void* lb, void* lw, void* rwi);
 TALMOR_EXPORT int QueryFinishFlag(); ///< @return always 1
 
 /// Switches a station off (`enable` 0) or on (1); a negative station switches all on; other values
-/// of `enable` change nothing. Entries of a station that is off stay in their lists, unsent.
-/// Takes `stationMutex`.
+/// change nothing. Entries of a station that is off wait in their lists, behind others; frames that
+/// are built are still sent. Takes `stationMutex`.
 TALMOR_EXPORT void EnCommStation(int station, int enable);
 TALMOR_EXPORT void EnableEthernet(int station, int enable); ///< the same as `EnCommStation`
 
 // ---- The communication loop (one thread) -------------------------------------------------------
-/// @return the next frame to send, or null when there is nothing to send now. The same frame is
-/// returned until `DataCom` has removed it; the pointer is valid until then. A write or one-shot
-/// read that no frame can be built for is given up here: both callbacks may run inside this call.
-/// Takes `listMutex`.
+/// Picks the next request: writes first, then one-shot reads, then cyclic reads, at most five of
+/// the first two each between two cyclic reads. A written value is in the store from then on,
+/// unless the line is failing. @return the frame to send, the same until `DataCom` has removed it
+/// and valid until then; null when there is none in this turn (`scanDone` tells whether nothing was
+/// left to do). A write or one-shot read that no frame can be built for is given up here, with
+/// RESULT_UNKNOWN in `retVar`: both callbacks may run inside this call. Takes all three locks.
 TALMOR_EXPORT Protocol* ComCommunication();
 
-/// Takes the reply to the frame that `ComCommunication` returned last.
+/// Takes the reply to the frame that `ComCommunication` returned last; a good reply to a read of
+/// the own node goes into the store. Discard late replies yourself: only length and CRC are
+/// compared.
 /// @param reply the bytes received; only the first `length` are the reply. Null with a `length` of
 ///        0 is an empty reply, null with any other length changes nothing.
-/// @param length bytes received, 0 when nothing came in time
-/// @return `retVar`, always the same address, valid until the next call: `result` is a ResultCode
-/// or
-///         an error of RESULTS, the rest names the variable finished last, without its `data`.
+/// @param length bytes received; 0 when nothing came in time, or none was expected
+/// @return `retVar`, always the same address, valid until the next call of this or
+/// ComCommunication:
+///         `result` is a ResultCode or an error of RESULTS, the rest names the variable finished
+///         last (the head of the list, should it have been rebuilt meanwhile), without its `data`.
 /// Takes `listMutex`, and `storageMutex` while it stores; runs the callbacks.
 TALMOR_EXPORT RW_VAR* DataCom(QByteArray* reply, int length);
 
@@ -312,20 +310,25 @@ TALMOR_EXPORT int AddListReadVar(RW_VAR* var);
 TALMOR_EXPORT int AddListWriteVar(RW_VAR* var, int mode);
 
 /// Queues a one-shot read. In mode ADD_CHECKED the address is parsed from `addressText`, the
-/// station chosen, the record converted to native units and cut into pieces of at most
-/// `maxBlockLength`; the caller's record ends as the last piece. In mode ADD_UNCHANGED it must be
-/// in native units already. Takes `listMutex`. @return entries in `onceReadList`; 0 for a bad
-/// address or station 0
+/// station chosen, `rmwStep` and `auxParam` cleared, the record converted to native units and cut
+/// into pieces of at most `maxBlockLength` (a negative limit shorter than the length gives none);
+/// the caller's record ends as the last piece. Pieces that are queued already under the same keys,
+/// and those that a full list cannot take, are dropped. Takes `listMutex`.
+/// @return entries in `onceReadList`; 0 for a bad address or station 0
 TALMOR_EXPORT int AddListOnceReadVar(RW_VAR* var, int mode);
 
-/// Rebuilds `readList` from descriptions: converted to native units, sorted by station, area and
-/// address, merged into blocks and cut to `maxBlockLength`. Variables with a bad address, station
-/// 0, a negative length or more than MAX_ELEMENTS elements are left out. Takes `listMutex`.
-/// @return entries in `readList`
+/// Rebuilds `readList`, dropping what was in it, from descriptions: converted to native units,
+/// sorted by station, area and address, merged over gaps of less than a block, cut to
+/// `maxBlockLength`. An entry has the keys 0 and -1, and the texts of the variable that opened its
+/// block. Variables with a bad or wrapping address, station 0, a negative length or more than
+/// MAX_ELEMENTS elements are left out. Restarts the scan (`scanDone` 0). Takes `listMutex`. @return
+/// entries in `readList`
 TALMOR_EXPORT int ReCreatReadVarList(QList<VAR_DESC>* vars);
 
-/// Cuts `var` into pieces of at most `maxLength` and appends them to `out`; `var` ends as the last
-/// piece. A `maxLength` below 1 gives one piece, more than MAX_ELEMENTS in `length` none. No lock.
+/// Cuts `var` into pieces of at most `maxLength` that cover `length` and appends them to `out`;
+/// `var` ends as the last piece. Without a limit (below 1), or when `length` is within it, `var` is
+/// appended as it stands. Nothing for a negative `length` or one that MAX_ELEMENTS forbids to cut.
+/// No lock.
 TALMOR_EXPORT void WhetherGroup(int length, int maxLength, RW_VAR* var, QList<RW_VAR>* out);
 
 /// @return the element address of `text` in the notation of `type`; negative when it has none.
@@ -370,7 +373,7 @@ TALMOR_EXPORT unsigned short CalSUM(const unsigned char* bytes, unsigned short l
 TALMOR_EXPORT unsigned short CalCRC(const unsigned char* bytes, unsigned short length);
 /// @return 1 to 256: the inverted low byte of the sum, plus 1 without a wrap
 TALMOR_EXPORT int CalLRC(const unsigned char* bytes, unsigned short length);
-/// @return the bytes XORed; the first byte itself for a `length` of 0 or 1; 0 for null
+/// @return the bytes XORed; at least one is read, whatever the `length`; 0 for null
 TALMOR_EXPORT unsigned short CalXOR(const unsigned char* bytes, unsigned short length);
 /// @return `value` + '0' up to 9, else `value` + 0x37 ('A' for 10); unchecked
 TALMOR_EXPORT int DigitalToASCII(int value);

@@ -10,8 +10,8 @@
 /// @return the address; -1 for a bit text without exactly one "."
 int StringAddressToInt(int type, QString text);
 
-/// Sorts ascending by `address`; equal addresses keep their order. Takes n log n steps: the name is
-/// that of the order it stands for.
+/// Sorts ascending by `address`; equal addresses keep their order, as in the sort of its name, but
+/// in n log n steps.
 void Bubble_Sort(QList<RW_VAR>* list);
 
 /// Merges a sorted group of one station and area into blocks, over gaps that end within `maxLength`

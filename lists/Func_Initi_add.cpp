@@ -1,4 +1,5 @@
 #include "check/Func_Check.h"
+#include "check/records.h"
 #include "lists/Func_Initi.h"
 #include "lists/pieces.h"
 
@@ -6,17 +7,6 @@
 
 namespace
 {
-bool sameTarget(const RW_VAR& a, const RW_VAR& b)
-{
-    return a.station == b.station && a.regType == b.regType && a.address == b.address &&
-           a.length == b.length;
-}
-
-bool sameKeys(const RW_VAR& a, const RW_VAR& b)
-{
-    return a.hostKey == b.hostKey && a.hostSubKey == b.hostSubKey;
-}
-
 /// Index of a pending write that `var` replaces, or -1. The head is left alone: it is the one that
 /// may be on the wire.
 int findReplaceable(const QList<RW_VAR>& writes, const RW_VAR& var)
@@ -98,12 +88,13 @@ int AddListOnceReadVar(RW_VAR* var, int mode)
         var->station = settings->defaultStation;
     if (var->station == 0)
         return 0;
-    const bool countable = var->length >= 0;
+    const bool isCount = var->length >= 0;
     var->address = address;
     var->rmwStep = RMW_NONE;
     var->auxParam = 0;
     updateRwVar(var);
-    const Pieces pieces = cutLength(countable ? var->length : 0, settings->maxBlockLength);
+    // A negative count reads nothing, even where the conversion rounds it up to a unit.
+    const Pieces pieces = cutLength(isCount ? var->length : 0, settings->maxBlockLength);
     QMutexLocker lock(&PLC_driver.listMutex);
     queuePieces(reads, *var, pieces);
     return reads.size();

@@ -2,16 +2,16 @@
 #include "check/arith.h"
 #include "lists/Func_Initi.h"
 
-#include <QStringList>
-
 int StringAddressToInt(int type, QString text)
 {
     if (type != INPUT_BIT && type != OUTPUT_BIT && type != MEMORY_BIT)
         return text.toInt();
-    const QStringList parts = text.split(QLatin1Char('.'));
-    if (parts.size() != 2)
+    const int point = text.indexOf(QLatin1Char('.'));
+    if (point < 0 || text.indexOf(QLatin1Char('.'), point + 1) >= 0)
         return -1;
-    return wrapAdd(wrapMul(parts.at(0).toInt(), BITS_PER_BYTE), parts.at(1).toInt());
+    const int byte = text.left(point).toInt();
+    const int bit = text.mid(point + 1).toInt();
+    return wrapAdd(wrapMul(byte, BITS_PER_BYTE), bit);
 }
 
 int PLCAddressChangeIntef(int type, QString text)

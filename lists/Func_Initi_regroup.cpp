@@ -24,6 +24,12 @@ bool reaches(const RW_VAR& block, const RW_VAR& next, int maxLength)
     return adjoins || bridged;
 }
 
+/// A variable that wraps round the end of the addresses would merge with one at their start.
+bool fitsAddresses(const RW_VAR& var)
+{
+    return var.address >= 0 && var.length >= 0 && endOf(var) <= std::numeric_limits<int>::max();
+}
+
 RW_VAR recordOf(const VAR_DESC& desc, const ComInfo& settings, int address)
 {
     RW_VAR var;
@@ -50,6 +56,8 @@ Groups groupsOf(const QList<VAR_DESC>& vars, const ComInfo& settings)
         if (var.station == 0)
             continue;
         updateRwVar(&var);
+        if (!fitsAddresses(var))
+            continue;
         groups[var.station][var.regType].append(var);
     }
     return groups;
@@ -71,7 +79,7 @@ void addressAdd(RW_VAR& block, int maxLength, bool appendRest)
     while (maxLength >= 1 && block.length >= maxLength) {
         PLC_driver.readList.append(block);
         PLC_driver.readList.last().length = maxLength;
-        block.address = wrapAdd(block.address, maxLength);
+        block.address += maxLength;
         block.length -= maxLength;
     }
     if (appendRest && block.length > 0)
@@ -89,8 +97,8 @@ void BitVarReCreat(const QList<RW_VAR>* group, int maxLength)
         const qint64 merged = std::max(endOf(block), endOf(next)) - block.address;
         if (block.length == 0) {
             block = next;
-        } else if (reaches(block, next, maxLength) && merged <= std::numeric_limits<int>::max()) {
-            block.length = static_cast<int>(merged);
+        } else if (reaches(block, next, maxLength)) {
+            block.length = clampToCount(merged);
         } else {
             addressAdd(block, maxLength, true);
             block = next;
@@ -102,7 +110,7 @@ void BitVarReCreat(const QList<RW_VAR>* group, int maxLength)
 int ReCreatReadVarList(QList<VAR_DESC>* vars)
 {
     ComInfo* settings = PLC_driver.comInfo;
-    if (!vars || !settings)
+    if (!vars || (!settings && !vars->isEmpty()))
         return 0;
     QMutexLocker lock(&PLC_driver.listMutex);
     PLC_driver.readList.clear();
@@ -122,12 +130,14 @@ int ReCreatReadVarList(QList<VAR_DESC>* vars)
 
 void WhetherGroup(int length, int maxLength, RW_VAR* var, QList<RW_VAR>* out)
 {
-    if (!var || !out || length < 0 || length > MAX_ELEMENTS)
+    if (!var || !out || length < 0)
         return;
     if (length <= maxLength || maxLength < 1) {
         out->append(*var);
         return;
     }
+    if (length > MAX_ELEMENTS)
+        return;
     const Pieces pieces = cutLength(length, maxLength);
     const int start = var->address;
     for (qint64 i = 0; i < pieces.count; ++i) {

@@ -16,7 +16,8 @@ struct Piece {
     int length;
 };
 
-/// Pieces of at most `limit` that cover `length`. With a `limit` of 0 the whole is one piece.
+/// Pieces of at most `limit` that cover `length`. With a `limit` of 0 the whole is one piece; a
+/// negative one whose amount does not exceed `length` gives none.
 Pieces cutLength(int length, int limit);
 
 /// Piece `index` of a run that starts at `start`; addresses wrap as 32-bit ints.

@@ -2,6 +2,25 @@
 
 #include <QtTest>
 
+namespace
+{
+int waitingDuringFail = -1;
+bool locked = false;
+
+void noteQueueAndLock(QList<RW_VAR>*, int, int)
+{
+    waitingDuringFail = PLC_driver.writeList.size();
+    locked = !PLC_driver.listMutex.tryLock();
+    if (!locked)
+        PLC_driver.listMutex.unlock();
+}
+
+void dropSettings(int, int, int, int)
+{
+    SetComInfo(nullptr);
+}
+} // namespace
+
 class Cycle : public QObject
 {
     Q_OBJECT
@@ -108,6 +127,31 @@ private slots:
         QCOMPARE(events, QStringList() << text("finish 99 7 0 2") << text("fail 0 7 1"));
     }
 
+    void givenUpReadStepTakesItsWriteAlong()
+    {
+        QByteArray value = bytes("01");
+        write(MEMORY_BIT, "4.5", value, 1, 7);
+        request();
+        QCOMPARE(answerNothing(), 48);
+        QVERIFY(request().isEmpty()); // a half-built write frame must never be sent
+    }
+
+    void settingsReplacedUnderAPair()
+    {
+        QByteArray value = bytes("01");
+        write(MEMORY_BIT, "4.5", value, 1, 7);
+        request();
+        ComInfo other = settings;
+        other.frameCount = other.framesDone = 0;
+        SetComInfo(&other);
+        QCOMPARE(answer(bytes("01 03 02 00 10 B9 88")), 1);
+        QVERIFY(events.isEmpty()); // nothing has been written yet
+        QCOMPARE(request(), bytes("01 06 00 02 00 30 28 1E"));
+        acknowledge();
+        QCOMPARE(events, QStringList() << text("finish 99 7 0 1"));
+        SetComInfo(&settings);
+    }
+
     void retriesThenGivenUp()
     {
         settings.retryLimit = 2;
@@ -183,12 +227,32 @@ private slots:
         QCOMPARE(events, QStringList() << text("finish 99 2 0 1"));
     }
 
+    void successIsReportedThoughOthersWait()
+    {
+        queueWrite(5, 10);
+        queueWrite(6, 11);
+        queueWrite(5, 12);
+        PLC_driver.writeList[2].hostSubKey = 9; // another request
+        request();
+        acknowledge();
+        QCOMPARE(events, QStringList() << text("finish 99 5 8 1"));
+    }
+
+    void writesOfAnotherNodeAreReported()
+    {
+        queueWrite(5, 10);
+        PLC_driver.writeList[0].nodeId = 4;
+        request();
+        QCOMPARE(acknowledge(), 100);
+        QCOMPARE(events, QStringList() << text("finish 99 5 8 1"));
+    }
+
     void aFailureTakesItsGroupAlong_data()
     {
         QTest::addColumn<int>("stationPerVar");
         QTest::addColumn<int>("left");
-        QTest::newRow("stations count") << 1 << 2;
-        QTest::newRow("stations do not count") << 0 << 1;
+        QTest::newRow("stations count") << 1 << 3;
+        QTest::newRow("stations do not count") << 0 << 2;
     }
 
     void aFailureTakesItsGroupAlong()
@@ -200,13 +264,40 @@ private slots:
         queueWrite(5, 12);
         queueWrite(6, 13);
         queueWrite(5, 14, 2); // the same keys at another station
-        queueRead(5);         // and on another list
+        queueWrite(5, 15);
+        PLC_driver.writeList.last().hostSubKey = 9; // another request
+        queueRead(5);                               // and on another list
         request();
         QCOMPARE(answerNothing(), 46);
         QCOMPARE(events, QStringList() << text("finish 99 5 8 2") << text("fail 0 5 1"));
         QTEST(PLC_driver.writeList.size(), "left");
         QCOMPARE(PLC_driver.writeList.at(0).hostKey, 6);
         QCOMPARE(PLC_driver.onceReadList.size(), 1);
+    }
+
+    void failureIsReportedBeforeThePurge()
+    {
+        RegistCallBackFuncIntf(onFinish, noteQueueAndLock);
+        queueWrite(5, 10);
+        queueWrite(5, 11);
+        request();
+        answerNothing();
+        QCOMPARE(waitingDuringFail, 1);
+        QVERIFY(locked);
+    }
+
+    void callbackThatTakesTheSettingsAway()
+    {
+        RegistCallBackFuncIntf(dropSettings, onFail);
+        queueWrite(5, 10);
+        request();
+        QCOMPARE(answerNothing(), 46);
+        SetComInfo(&settings);
+        RW_VAR unwritable = writeOf(INPUT_WORD, 0, 1, bytes("0100"), 6);
+        AddListWriteVar(&unwritable, ADD_UNCHANGED);
+        QVERIFY(request().isEmpty());
+        QVERIFY(PLC_driver.writeList.isEmpty());
+        QCOMPARE(events, QStringList() << text("fail 0 5 1") << text("fail 0 6 1"));
     }
 
     void fullPassIsCounted()
@@ -223,6 +314,9 @@ private slots:
         acknowledge();
         QCOMPARE(settings.scanDone, 1);
         QCOMPARE(PLC_driver.scanCount, 0);
+        request();
+        answer(withCrc("01 03 02 00 00"));
+        QCOMPARE(PLC_driver.scanCount, 0); // the pass is over until somebody asks for another
         request();
         answerNothing();
         QCOMPARE(settings.scanDone, 0);

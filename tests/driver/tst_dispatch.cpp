@@ -133,6 +133,8 @@ private slots:
         QCOMPARE(PLC_driver.frameList.at(1).frame, withCrc("01 06 00 01 80 01"));
         settings.framesDone = 1;
         QCOMPARE(DealDataOfRemoteArea(&reply, 7), 100);
+        settings.framesDone = 2;
+        QCOMPARE(DealDataOfRemoteArea(&reply, 7), 1);
         QVERIFY(DataStorage.isEmpty());
         QVERIFY(PLC_driver.listMutex.tryLock());
         PLC_driver.listMutex.unlock();

@@ -43,6 +43,14 @@ private slots:
         QCOMPARE(write(MEMORY_WORD, "0", value, 1), 0);
         QCOMPARE(AddListWriteVar(&var, ADD_CHECKED), 1);
         QVERIFY(!ComCommunication());
+        SetComInfo(&settings);
+        QVERIFY(ComCommunication());
+        SetComInfo(nullptr); // under a pending frame
+        QVERIFY(!ComCommunication());
+        vars.clear();
+        AddListReadVar(&var);
+        QCOMPARE(ReCreatReadVarList(&vars), 0);
+        QVERIFY(PLC_driver.readList.isEmpty());
         QCOMPARE(PLC_driver.writeList.size(), 1);
         QVERIFY(events.isEmpty());
     }

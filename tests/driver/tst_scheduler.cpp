@@ -175,6 +175,7 @@ private slots:
         QVERIFY(!ComCommunication());
         QCOMPARE(settings.scanDone, 1);
         QCOMPARE(addresses(PLC_driver.readList), QList<int>() << 0 << 1 << 2);
+        QCOMPARE(PLC_driver.currentSource, int{SOURCE_READ});
         EnCommStation(-1, 0);
         QVERIFY(ComCommunication());
     }
@@ -200,14 +201,17 @@ private slots:
                                  key == 4 ? station : 1);
             AddListWriteVar(&var, ADD_UNCHANGED);
         }
+        addCyclic(30); // waits for the next turn
+        PLC_driver.lastFailed = true;
         QVERIFY(!ComCommunication());
         QCOMPARE(events, QStringList() << text("finish 99 4 0 2") << text("fail 0 4 1"));
         QCOMPARE(PLC_driver.retVar.hostKey, 4);
+        QCOMPARE(PLC_driver.retVar.result, int{RESULT_UNKNOWN});
         QCOMPARE(addresses(PLC_driver.writeList), QList<int>() << 5);
         QCOMPARE(settings.retryCount, 1);
         QCOMPARE(settings.frameCount, 7);
         QCOMPARE(settings.framesDone, 7);
-        QVERIFY(!PLC_driver.lastFailed);
+        QVERIFY(PLC_driver.lastFailed);
         QCOMPARE(request(), withCrc("01 06 00 05 00 01"));
     }
 };

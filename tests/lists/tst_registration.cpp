@@ -85,24 +85,37 @@ private slots:
         QCOMPARE(AddListWriteVar(&other, mode), 3);
     }
 
+    void firstOfSeveralEqualWritesIsReplaced()
+    {
+        for (int key = 0; key < 3; ++key) {
+            RW_VAR var = writeOf(MEMORY_WORD, 10, 1, bytes("0100"), key);
+            AddListWriteVar(&var, ADD_UNCHANGED);
+        }
+        RW_VAR newest = writeOf(MEMORY_WORD, 10, 1, bytes("0200"), 9);
+        QCOMPARE(AddListWriteVar(&newest, 2), 3); // any mode but 1 is checked
+        QCOMPARE(PLC_driver.writeList.at(1).hostKey, 9);
+        QCOMPARE(PLC_driver.writeList.at(2).hostKey, 2);
+    }
+
     void fullListsRefuse()
     {
-        for (int i = 0; i < LIST_LIMIT; ++i) {
+        for (int i = 0; i < 1024; ++i) {
             RW_VAR fill = writeOf(MEMORY_WORD, i, 1, bytes("0100"));
             QCOMPARE(AddListWriteVar(&fill, ADD_CHECKED), i + 1);
+            fill = oneShot(MEMORY_WORD, "7", 1);
             fill.hostKey = i;
-            AddListOnceReadVar(&fill, ADD_UNCHANGED);
+            QCOMPARE(AddListOnceReadVar(&fill, ADD_CHECKED), i + 1);
         }
         RW_VAR late = writeOf(MEMORY_WORD, 5000, 1, bytes("0100"));
-        QCOMPARE(AddListWriteVar(&late, ADD_CHECKED), LIST_LIMIT);
-        QCOMPARE(AddListWriteVar(&late, ADD_UNCHANGED), LIST_LIMIT + 1);
+        QCOMPARE(AddListWriteVar(&late, ADD_CHECKED), 1024);
+        QCOMPARE(AddListWriteVar(&late, ADD_UNCHANGED), 1025);
         RW_VAR replacing = writeOf(MEMORY_WORD, 7, 1, bytes("0700"));
-        QCOMPARE(AddListWriteVar(&replacing, ADD_CHECKED), LIST_LIMIT + 1);
+        QCOMPARE(AddListWriteVar(&replacing, ADD_CHECKED), 1025);
         QCOMPARE(PLC_driver.writeList.at(7).data, bytes("0700"));
 
         RW_VAR lateRead = oneShot(MEMORY_WORD, "5000", 1);
-        QCOMPARE(AddListOnceReadVar(&lateRead, ADD_CHECKED), LIST_LIMIT);
-        QCOMPARE(AddListOnceReadVar(&lateRead, ADD_UNCHANGED), LIST_LIMIT + 1);
+        QCOMPARE(AddListOnceReadVar(&lateRead, 2), 1024);
+        QCOMPARE(AddListOnceReadVar(&lateRead, ADD_UNCHANGED), 1025);
     }
 
     void oneShotReadsAreConvertedAndCut_data()
@@ -140,18 +153,63 @@ private slots:
         QCOMPARE(var.auxParam, 0);
     }
 
-    void oneShotReadsOfTheSameKeysAreQueuedOnce()
+    void oneShotReadsAreQueuedOnce_data()
+    {
+        QTest::addColumn<int>("hostKey");
+        QTest::addColumn<int>("hostSubKey");
+        QTest::addColumn<int>("station");
+        QTest::addColumn<int>("type");
+        QTest::addColumn<QString>("address");
+        QTest::addColumn<int>("length");
+        QTest::addColumn<int>("queued");
+        QTest::newRow("the same") << 0 << 0 << 1 << 3 << text("12") << 3 << 2;
+        QTest::newRow("key") << 1 << 0 << 1 << 3 << text("12") << 3 << 4;
+        QTest::newRow("second key") << 0 << 1 << 1 << 3 << text("12") << 3 << 4;
+        QTest::newRow("station") << 0 << 0 << 2 << 3 << text("12") << 3 << 4;
+        QTest::newRow("type") << 0 << 0 << 1 << 4 << text("12") << 3 << 4;
+        QTest::newRow("address") << 0 << 0 << 1 << 3 << text("13") << 3 << 4;
+        QTest::newRow("longer second piece") << 0 << 0 << 1 << 3 << text("12") << 4 << 3;
+    }
+
+    void oneShotReadsAreQueuedOnce()
     {
         settings.maxBlockLength = 2;
-        RW_VAR first = oneShot(INPUT_BIT, "12.3", 20);
-        RW_VAR same = first;
-        RW_VAR longer = oneShot(INPUT_BIT, "12.3", 28);
-        RW_VAR otherKey = first;
-        otherKey.hostKey = 1;
+        RW_VAR first = oneShot(INPUT_BYTE, "12", 3);
         QCOMPARE(AddListOnceReadVar(&first, ADD_CHECKED), 2);
-        QCOMPARE(AddListOnceReadVar(&same, ADD_CHECKED), 2);
-        QCOMPARE(AddListOnceReadVar(&longer, ADD_CHECKED), 3); // its second piece is longer
-        QCOMPARE(AddListOnceReadVar(&otherKey, ADD_CHECKED), 5);
+        QFETCH(int, type);
+        QFETCH(QString, address);
+        QFETCH(int, length);
+        QFETCH(int, station);
+        QFETCH(int, hostKey);
+        QFETCH(int, hostSubKey);
+        RW_VAR second = oneShot(type, "0", length, station);
+        second.addressText = address;
+        second.hostKey = hostKey;
+        second.hostSubKey = hostSubKey;
+        QTEST(AddListOnceReadVar(&second, ADD_CHECKED), "queued");
+    }
+
+    void countsThatReadNothing_data()
+    {
+        QTest::addColumn<int>("type");
+        QTest::addColumn<QString>("address");
+        QTest::addColumn<int>("length");
+        QTest::newRow("none") << int{MEMORY_WORD} << text("7") << 0;
+        QTest::newRow("negative") << int{MEMORY_WORD} << text("7") << -3;
+        QTest::newRow("negative, rounded up to a byte") << int{INPUT_BIT} << text("0.7") << -1;
+        QTest::newRow("wraps to a negative") << int{INPUT_WORD} << text("7") << 0x40000000;
+    }
+
+    void countsThatReadNothing()
+    {
+        QFETCH(int, type);
+        QFETCH(QString, address);
+        QFETCH(int, length);
+        settings.maxBlockLength = 0;
+        RW_VAR var = oneShot(type, "0", length);
+        var.addressText = address;
+        QCOMPARE(AddListOnceReadVar(&var, ADD_CHECKED), 0);
+        QVERIFY(PLC_driver.onceReadList.isEmpty());
     }
 
     void oneShotReadsAreRejected()

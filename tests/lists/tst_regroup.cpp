@@ -64,7 +64,8 @@ private slots:
         row("limit 0 bridges nothing", 0, "0+25 25+3 30+2", "0+28 30+2");
         row("negative limit", -7, "0+25 26+3", "0+25 26+3");
         row("limit beyond every length", INT_MAX, "0+5 900000+5", "0+900005");
-        row("merged length beyond an int", INT_MAX, "0+5 2147483645+900", "0+5 2147483645+900");
+        row("up to the last address", INT_MAX, "0+5 2147483640+7", "0+2147483647");
+        row("beyond the last address left out", 10, "0+5 2147483640+8", "0+5");
         row("no length", 10, "3+0 7+0", "");
         row("negative length left out", 10, "3+-5 7+2", "7+2");
         row("longer than any area left out", 0, "0+1048577 7+2", "7+2");
@@ -80,6 +81,14 @@ private slots:
         const int size = ReCreatReadVarList(&descriptions);
         QTEST(blocks(PLC_driver.readList), "entries");
         QCOMPARE(size, PLC_driver.readList.size());
+    }
+
+    void wrappingAddressesAreLeftOut()
+    {
+        QList<VAR_DESC> vars;
+        vars << describe(INPUT_WORD, text("2147483647"), 1) << describe(INPUT_BYTE, text("0"), 5);
+        QCOMPARE(ReCreatReadVarList(&vars), 1);
+        QCOMPARE(blocks(PLC_driver.readList), text("0+5"));
     }
 
     void entriesAreOrderedByStationAreaAndAddress()
@@ -134,7 +143,7 @@ private slots:
         QCOMPARE(PLC_driver.scanCount, 3);
         QCOMPARE(settings.scanDone, 1);
         QList<VAR_DESC> rejected;
-        rejected << describe(INPUT_BIT, text("no"), 1);
+        rejected << describe(INPUT_BIT, text("no"), 20) << describe(MEMORY_WORD, text("-5"), 9);
         QCOMPARE(ReCreatReadVarList(&rejected), 0);
         QCOMPARE(PLC_driver.scanCount, 0);
         QCOMPARE(settings.scanDone, 0);
@@ -172,6 +181,8 @@ private slots:
         row("negative limit", 25, -1, "5+77", "5+77");
         row("negative length", -1, 10, "", "5+77");
         row("longer than any area", 1048577, 1, "", "5+77");
+        row("longer than any area, whole", 1048577, 1048577, "5+77", "5+77");
+        row("longer than any area, no limit", 1048577, 0, "5+77", "5+77");
     }
 
     void oneVariableIsCut()

@@ -64,7 +64,7 @@ QString formatOne(quint32 bits, Format format, int width)
     case Format::Int32:
         return QString::number(static_cast<qint32>(bits));
     case Format::Float32: {
-        float value;
+        float value = 0;
         std::memcpy(&value, &bits, sizeof value);
         return QString::number(static_cast<double>(value), 'g', 7);
     }

@@ -10,29 +10,18 @@ class Registers : public QObject
     Q_OBJECT
 
 private slots:
-    void lookups_data()
-    {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<int>("area");
-        QTest::addColumn<int>("definition");
-        QTest::addColumn<int>("bytesPerElement");
-        const int areas[] = {3, 4, 8, 3, 4, 8, 3, 4, 8, 3, 4, 8, 12, 13};
-        const int definitions[] = {1, 1, 1, 5, 5, 5, 6, 6, 6, 7, 7, 7, 1, 6};
-        const int widths[] = {1, 1, 1, 1, 1, 1, 2, 2, 2, 4, 4, 4, 1, 2};
-        for (int type = 0; type < 14; ++type)
-            QTest::newRow(REGISTER_TYPES[type].name)
-                << type << areas[type] << definitions[type] << widths[type];
-        QTest::newRow("14") << 14 << 14 << 0 << 1;
-        QTest::newRow("-1") << -1 << -1 << 0 << 1;
-        QTest::newRow("smallest") << INT_MIN << INT_MIN << 0 << 1;
-    }
-
     void lookups()
     {
-        QFETCH(int, type);
-        QTEST(getPlcReg(type), "area");
-        QTEST(getRegisterTypeDefinition(type), "definition");
-        QTEST(getPlcStorageAddress(type), "bytesPerElement");
+        // area code, type definition, bytes per element
+        const int rows[][3] = {{3, 1, 1}, {4, 1, 1}, {8, 1, 1},  {3, 5, 1}, {4, 5, 1},
+                               {8, 5, 1}, {3, 6, 2}, {4, 6, 2},  {8, 6, 2}, {3, 7, 4},
+                               {4, 7, 4}, {8, 7, 4}, {12, 1, 1}, {13, 6, 2}};
+        for (const int type : {INT_MIN, -1, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14}) {
+            const bool known = type >= 0 && type < 14;
+            QCOMPARE(getPlcReg(type), known ? rows[type][0] : type);
+            QCOMPARE(getRegisterTypeDefinition(type), known ? rows[type][1] : 0);
+            QCOMPARE(getPlcStorageAddress(type), known ? rows[type][2] : 1);
+        }
     }
 
     void conversion_data()

@@ -4,6 +4,25 @@
 
 #include <climits>
 
+namespace
+{
+int waitingDuringFail = -1;
+bool locked = false;
+
+void noteQueueAndLock(QList<RW_VAR>*, int, int)
+{
+    waitingDuringFail = PLC_driver.writeList.size();
+    locked = !PLC_driver.listMutex.tryLock();
+    if (!locked)
+        PLC_driver.listMutex.unlock();
+}
+
+void dropSettings(int, int, int, int)
+{
+    SetComInfo(nullptr);
+}
+} // namespace
+
 /// What a careless runtime or a broken line hands in.
 class Hostile : public QObject
 {
@@ -94,16 +113,6 @@ private slots:
         QVERIFY(PLC_driver.writeList.isEmpty());
     }
 
-    void bytesBeyondTheLengthNeverReachTheStore()
-    {
-        RW_VAR var = variable(INPUT_BYTE, 0, 2);
-        AddListReadVar(&var);
-        request();
-        QByteArray reply = withCrc("01 02 02 11 22") + bytes("33 44 55 66");
-        QCOMPARE(DataCom(&reply, 7)->result, 1);
-        QCOMPARE(stored(1, AREA_INPUT), bytes("11 22"));
-    }
-
     void listsEmptiedUnderAPendingFrame()
     {
         RW_VAR cyclic = variable(INPUT_BYTE, 0, 1);
@@ -116,16 +125,48 @@ private slots:
         QVERIFY(!ComCommunication());
     }
 
-    void countersAtTheirLimit()
+    void failureIsReportedBeforeThePurgeUnderTheLock()
     {
-        RW_VAR var = variable(INPUT_BYTE, 0, 1);
-        AddListReadVar(&var);
-        settings.retryCount = INT_MAX;
-        settings.retryLimit = INT_MAX;
+        RegistCallBackFuncIntf(onFinish, noteQueueAndLock);
+        for (int address = 10; address < 12; ++address) {
+            RW_VAR var = writeOf(MEMORY_WORD, address, 1, bytes("0100"));
+            AddListWriteVar(&var, ADD_UNCHANGED);
+        }
         request();
-        QCOMPARE(answerNothing(), 0); // wraps instead of overflowing
-        settings.framesDone = INT_MAX;
-        QCOMPARE(answer(withCrc("01 02 01 AA")), 1);
+        answerNothing();
+        QCOMPARE(waitingDuringFail, 1);
+        QVERIFY(locked);
+        QVERIFY(PLC_driver.writeList.isEmpty());
+    }
+
+    void callbackThatTakesTheSettingsAway()
+    {
+        RegistCallBackFuncIntf(dropSettings, onFail);
+        RW_VAR var = writeOf(MEMORY_WORD, 10, 1, bytes("0100"), 5);
+        AddListWriteVar(&var, ADD_UNCHANGED);
+        request();
+        QCOMPARE(answerNothing(), 46);
+        SetComInfo(&settings);
+        RW_VAR unwritable = writeOf(INPUT_WORD, 0, 1, bytes("0100"), 6);
+        AddListWriteVar(&unwritable, ADD_UNCHANGED);
+        QVERIFY(request().isEmpty());
+        QVERIFY(PLC_driver.writeList.isEmpty());
+        QCOMPARE(events, QStringList() << text("fail 0 5 1") << text("fail 0 6 1"));
+    }
+
+    void settingsReplacedUnderAPair()
+    {
+        RW_VAR var = writeOf(MEMORY_BIT, 37, 1, bytes("01"), 7);
+        AddListWriteVar(&var, ADD_UNCHANGED);
+        request();
+        ComInfo other = settings;
+        other.frameCount = other.framesDone = 0;
+        SetComInfo(&other);
+        QCOMPARE(answer(bytes("01 03 02 00 10 B9 88")), 1);
+        QVERIFY(events.isEmpty()); // nothing has been written yet
+        QCOMPARE(request(), bytes("01 06 00 02 00 30 28 1E"));
+        acknowledge();
+        QCOMPARE(events, QStringList() << text("finish 99 7 0 1"));
     }
 
     /// Records that no encoder or area can make sense of: each is served or given up, none stays.

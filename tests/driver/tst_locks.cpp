@@ -10,74 +10,40 @@ namespace
 {
 typedef void (*Call)();
 
-void registerWrite()
+QByteArray word = bytes("0100");
+
+RW_VAR record()
 {
-    RW_VAR var = writeOf(MEMORY_WORD, 0, 1, bytes("0100"));
+    RW_VAR var = writeOf(MEMORY_WORD, 0, 1, word);
+    var.addressText = text("0");
+    return var;
+}
+
+void queueWrite()
+{
+    RW_VAR var = record();
     AddListWriteVar(&var, ADD_CHECKED);
 }
 
-void registerOneShot()
+void queueOneShot()
 {
-    RW_VAR var = variable(MEMORY_WORD, 0, 1);
-    var.addressText = text("0");
+    RW_VAR var = record();
     AddListOnceReadVar(&var, ADD_CHECKED);
 }
 
-void registerOneShotUnchanged()
+void queueOneShotUnchanged()
 {
     RW_VAR var = variable(MEMORY_WORD, 0, 1);
     AddListOnceReadVar(&var, ADD_UNCHANGED);
 }
 
-void registerCyclic()
+void addCyclic()
 {
     RW_VAR var = variable(MEMORY_WORD, 0, 1);
     AddListReadVar(&var);
 }
 
-void regroup()
-{
-    QList<VAR_DESC> vars;
-    ReCreatReadVarList(&vars);
-}
-
-void schedule()
-{
-    ComCommunication();
-}
-
-void takeReply()
-{
-    acknowledge();
-}
-
-void readValue()
-{
-    QByteArray out;
-    read(MEMORY_WORD, "0", 1, out);
-}
-
-void storeValue()
-{
-    settings.writeMode = WRITE_STORE_ONLY;
-    QByteArray value = bytes("0100");
-    write(MEMORY_WORD, "0", value, 1);
-}
-
-void storeReply()
-{
-    answer(withCrc("01 03 02 00 00"));
-}
-
-void switchStation()
-{
-    EnCommStation(3, 0);
-}
-
-void askStation()
-{
-    Ethernetcontains(3);
-}
+void nothing() {}
 } // namespace
 Q_DECLARE_METATYPE(Call)
 
@@ -89,62 +55,64 @@ class Locks : public QObject
 private slots:
     void entryPoints_data()
     {
+        QTest::addColumn<Call>("before");
         QTest::addColumn<Call>("call");
-        QTest::addColumn<bool>("lists");
-        QTest::addColumn<bool>("storage");
-        QTest::addColumn<bool>("stations");
-        const auto row = [](const char* name, Call call, bool lists, bool storage, bool stations) {
-            QTest::newRow(name) << call << lists << storage << stations;
+        QTest::addColumn<QString>("waitsFor");
+        const auto row = [](const char* name, const char* locks, Call before, Call call) {
+            QTest::newRow(name) << before << call << text(locks);
         };
-        row("AddListWriteVar", registerWrite, true, false, false);
-        row("AddListOnceReadVar", registerOneShot, true, false, false);
-        row("AddListOnceReadVar, unchanged", registerOneShotUnchanged, true, false, false);
-        row("AddListReadVar", registerCyclic, false, false, false);
-        row("ReCreatReadVarList", regroup, true, false, false);
-        row("ComCommunication", schedule, true, true, true); // the head is a write
-        row("DataCom, acknowledgement", takeReply, true, false, false);
-        row("DataCom, data", storeReply, true, true, false);
-        row("GetRegisterData", readValue, false, true, false);
-        row("SetRegisterData, store only", storeValue, false, true, false);
-        row("EnCommStation", switchStation, false, false, true);
-        row("Ethernetcontains", askStation, false, false, true);
+        row("AddListWriteVar", "L", nothing, queueWrite);
+        row("AddListOnceReadVar", "L", nothing, queueOneShot);
+        row("AddListOnceReadVar, unchanged", "L", nothing, queueOneShotUnchanged);
+        row("AddListReadVar", "", nothing, addCyclic);
+        row("ReCreatReadVarList", "L", nothing, [] {
+            QList<VAR_DESC> vars;
+            ReCreatReadVarList(&vars);
+        });
+        row("ComCommunication", "LDS", queueWrite, [] { ComCommunication(); });
+        row(
+            "ComCommunication, frame pending", "", [] { addCyclic(), ComCommunication(); },
+            [] { ComCommunication(); });
+        row(
+            "DataCom, acknowledgement", "L", [] { queueWrite(), ComCommunication(); },
+            [] { acknowledge(); });
+        row(
+            "DataCom, data", "LD", [] { addCyclic(), ComCommunication(); },
+            [] { answer(withCrc("01 03 02 00 00")); });
+        row("GetRegisterData", "D", nothing, [] { read(MEMORY_WORD, "0", 1, word); });
+        row("SetRegisterData, queued", "L", nothing, [] { write(MEMORY_WORD, "0", word, 1); });
+        row(
+            "SetRegisterData, store only", "D", [] { settings.writeMode = WRITE_STORE_ONLY; },
+            [] { write(MEMORY_WORD, "0", word, 1); });
+        row("EnCommStation", "S", nothing, [] { EnCommStation(3, 0); });
+        row("Ethernetcontains", "S", nothing, [] { Ethernetcontains(3); });
     }
 
     void entryPoints()
     {
+        QFETCH(Call, before);
         QFETCH(Call, call);
-        QFETCH(bool, lists);
-        QFETCH(bool, storage);
-        QFETCH(bool, stations);
-        struct Lock {
-            QMutex* mutex;
-            bool waits;
-        };
-        const Lock locks[] = {{&PLC_driver.listMutex, lists},
-                              {&PLC_driver.storageMutex, storage},
-                              {&PLC_driver.stationMutex, stations}};
-        for (const Lock& lock : locks) {
+        QMutex* const locks[] = {&PLC_driver.listMutex, &PLC_driver.storageMutex,
+                                 &PLC_driver.stationMutex};
+        QString waitedFor;
+        for (int i = 0; i < 3; ++i) {
             resetDriver();
-            if (call == schedule || call == takeReply)
-                registerWrite();
-            if (call == storeReply)
-                registerCyclic();
-            if (call == takeReply || call == storeReply)
-                ComCommunication();
-            QVERIFY(lock.mutex->tryLock());
+            before();
+            QVERIFY(locks[i]->tryLock());
             std::atomic<bool> done{false};
             std::thread caller([&] {
                 call();
                 done = true;
             });
-            // Long enough for a call that takes a few microseconds when nothing holds it up.
-            for (int i = 0; i < (lock.waits ? 30 : 5000) && !done; ++i)
+            // Far longer than the microseconds of a call that nothing holds up.
+            for (int ms = 0; ms < 50 && !done; ++ms)
                 QTest::qSleep(1);
-            const bool waited = !done;
-            lock.mutex->unlock();
+            if (!done)
+                waitedFor += QLatin1Char("LDS"[i]);
+            locks[i]->unlock();
             caller.join();
-            QCOMPARE(waited, lock.waits);
         }
+        QTEST(waitedFor, "waitsFor");
     }
 };
 

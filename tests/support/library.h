@@ -9,15 +9,16 @@
 class Library
 {
 public:
-    explicit Library(const char* path) : handle(dlopen(path, RTLD_NOW | RTLD_LOCAL)) {}
-    ~Library()
-    {
-        if (handle)
-            dlclose(handle);
-    }
+    explicit Library(const char* file) : path(file) { load(); }
+    ~Library() { unload(); }
     Library(const Library&) = delete;
     Library& operator=(const Library&) = delete;
 
+    void reload()
+    {
+        unload();
+        load();
+    }
     bool isLoaded() const { return handle != nullptr; }
 
     template <typename Function>
@@ -27,7 +28,15 @@ public:
     }
 
 private:
-    void* handle;
+    void load() { handle = dlopen(path, RTLD_NOW | RTLD_LOCAL); }
+    void unload()
+    {
+        if (handle)
+            dlclose(handle);
+    }
+
+    const char* path;
+    void* handle = nullptr;
 };
 
 /// A pointer to the library's function or object of this name.

@@ -18,51 +18,37 @@ constexpr int STATION = 17;
 constexpr int REPLY_TIMEOUT_MS = 1000;
 constexpr int GAP_MS = 20;
 
-/// The master side of a pseudo-terminal, in raw mode.
-int openLine()
-{
-    const int line = posix_openpt(O_RDWR | O_NOCTTY);
-    if (line < 0 || grantpt(line) != 0 || unlockpt(line) != 0)
-        return -1;
-    termios settings;
-    tcgetattr(line, &settings);
-    cfmakeraw(&settings);
-    tcsetattr(line, TCSANOW, &settings);
-    return line;
-}
-
 /// libmodbus' RTU server in a thread of its own, on the slave side of a pseudo-terminal.
-class Server
-{
-public:
-    explicit Server(const char* device)
-        : context(modbus_new_rtu(device, 19200, 'N', 8, 1)),
-          map(modbus_mapping_new(256, 256, 256, 256))
+struct Server {
+    Server() : line(posix_openpt(O_RDWR | O_NOCTTY)), map(modbus_mapping_new(256, 256, 256, 256))
     {
+        grantpt(line);
+        unlockpt(line);
+        termios settings;
+        tcgetattr(line, &settings);
+        cfmakeraw(&settings);
+        tcsetattr(line, TCSANOW, &settings);
+        context = modbus_new_rtu(ptsname(line), 19200, 'N', 8, 1);
         modbus_set_slave(context, STATION);
         modbus_set_indication_timeout(context, 0, 50000);
-        ready = modbus_connect(context) == 0;
-        thread = std::thread(&Server::serve, this);
+        connected = modbus_connect(context) == 0;
+        thread = std::thread([this] { serve(); });
     }
     ~Server()
     {
         stopping = true;
         thread.join();
         modbus_close(context);
-        modbus_mapping_free(map);
         modbus_free(context);
+        modbus_mapping_free(map);
+        close(line);
     }
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;
 
-    modbus_t* context;
-    modbus_mapping_t* map;
-    bool ready = false;
-
-private:
     void serve()
     {
-        while (ready && !stopping) {
+        while (connected && !stopping) {
             unsigned char request[MODBUS_RTU_MAX_ADU_LENGTH];
             const int size = modbus_receive(context, request);
             if (size > 0)
@@ -70,6 +56,10 @@ private:
         }
     }
 
+    const int line; ///< the master side
+    modbus_mapping_t* const map;
+    modbus_t* context = nullptr;
+    bool connected = false;
     std::atomic<bool> stopping{false};
     std::thread thread;
 };
@@ -80,8 +70,8 @@ class LibmodbusPeer : public QObject
 {
     Q_OBJECT
 
-    int line = -1;
-    Server* server = nullptr;
+    Server server;
+    modbus_mapping_t* const map = server.map;
     Library library{KP410_LIBRARY};
     ComInfo settings = ComInfo();
 
@@ -91,14 +81,14 @@ class LibmodbusPeer : public QObject
         const Protocol* frame = BIND(library, ComCommunication)();
         if (!frame)
             return -1;
-        if (::write(line, frame->frame.constData(), static_cast<size_t>(frame->frameLength)) !=
-            frame->frameLength)
+        if (::write(server.line, frame->frame.constData(),
+                    static_cast<size_t>(frame->frameLength)) != frame->frameLength)
             return -2;
         QByteArray reply;
         char chunk[300];
-        pollfd ready = {line, POLLIN, 0};
+        pollfd ready = {server.line, POLLIN, 0};
         while (poll(&ready, 1, reply.isEmpty() ? REPLY_TIMEOUT_MS : GAP_MS) > 0) {
-            const ssize_t size = ::read(line, chunk, sizeof chunk);
+            const ssize_t size = ::read(server.line, chunk, sizeof chunk);
             if (size <= 0)
                 break;
             reply.append(chunk, static_cast<int>(size));
@@ -142,25 +132,16 @@ private slots:
     void initTestCase()
     {
         QVERIFY(library.isLoaded());
-        line = openLine();
-        QVERIFY(line >= 0);
-        server = new Server(ptsname(line));
-        QVERIFY(server->ready);
+        QVERIFY(server.connected);
         settings.maxBlockLength = 100;
         settings.stationPerVar = 1;
         settings.writeMode = WRITE_QUEUE;
         BIND(library, SetComInfo)(&settings);
         for (int i = 0; i < 256; ++i) {
-            server->map->tab_bits[i] = i % 3 == 0;
-            server->map->tab_input_bits[i] = i % 5 == 0;
-            server->map->tab_registers[i] = static_cast<unsigned short>(0x1234 + 0x0101 * i);
+            map->tab_bits[i] = i % 3 == 0;
+            map->tab_input_bits[i] = i % 5 == 0;
+            map->tab_registers[i] = static_cast<unsigned short>(0x1234 + 0x0101 * i);
         }
-    }
-
-    void cleanupTestCase()
-    {
-        delete server;
-        close(line);
     }
 
     void reads()
@@ -178,19 +159,19 @@ private slots:
     void oneRegister() // code 6
     {
         QCOMPARE(write(MEMORY_WORD, "20", "CD AB", 1), 1);
-        QCOMPARE(int{server->map->tab_registers[20]}, 0xABCD);
-        QCOMPARE(int{server->map->tab_registers[21]}, 0x1234 + 0x0101 * 21);
+        QCOMPARE(int{map->tab_registers[20]}, 0xABCD);
+        QCOMPARE(int{map->tab_registers[21]}, 0x1234 + 0x0101 * 21);
     }
 
     void bitAndByteOfARegister() // codes 3 and 6
     {
-        server->map->tab_registers[30] = 0x1204;
+        map->tab_registers[30] = 0x1204;
         QCOMPARE(write(MEMORY_BIT, "60.5", "01", 1), 1);
-        QCOMPARE(int{server->map->tab_registers[30]}, 0x1224);
+        QCOMPARE(int{map->tab_registers[30]}, 0x1224);
         QCOMPARE(write(MEMORY_BIT, "60.2", "00", 1), 1);
-        QCOMPARE(int{server->map->tab_registers[30]}, 0x1220);
+        QCOMPARE(int{map->tab_registers[30]}, 0x1220);
         QCOMPARE(write(MEMORY_BYTE, "61", "AB 00", 1), 1);
-        QCOMPARE(int{server->map->tab_registers[30]}, 0xAB20);
+        QCOMPARE(int{map->tab_registers[30]}, 0xAB20);
     }
 
     void coils() // code 15
@@ -198,11 +179,11 @@ private slots:
         QCOMPARE(write(OUTPUT_BIT, "5.6", "01 01 00 01 01 00 01 01 01 00", 10), 1);
         const int expected[] = {1, 1, 0, 1, 1, 0, 1, 1, 1, 0};
         for (int i = 0; i < 10; ++i)
-            QCOMPARE(int{server->map->tab_bits[46 + i]}, expected[i]);
+            QCOMPARE(int{map->tab_bits[46 + i]}, expected[i]);
         QCOMPARE(write(OUTPUT_WORD, "6", "01 80", 1), 1);
-        QCOMPARE(int{server->map->tab_bits[96]}, 1);
-        QCOMPARE(int{server->map->tab_bits[97]}, 0);
-        QCOMPARE(int{server->map->tab_bits[111]}, 1);
+        QCOMPARE(int{map->tab_bits[96]}, 1);
+        QCOMPARE(int{map->tab_bits[97]}, 0);
+        QCOMPARE(int{map->tab_bits[111]}, 1);
     }
 
     void severalRegisters() // code 16
@@ -210,7 +191,7 @@ private slots:
         QCOMPARE(write(MEMORY_DWORD, "40", "78 56 34 12 EF CD AB 89", 4), 1);
         const int expected[] = {0x5678, 0x1234, 0xCDEF, 0x89AB};
         for (int i = 0; i < 4; ++i)
-            QCOMPARE(int{server->map->tab_registers[80 + i]}, expected[i]);
+            QCOMPARE(int{map->tab_registers[80 + i]}, expected[i]);
     }
 
     void exceptionsFail()

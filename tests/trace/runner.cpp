@@ -40,7 +40,7 @@ Runner::Runner(const Library& loaded) : library(loaded), driver(*BIND(loaded, PL
         const char* name;
         Command command;
     } table[] = {
-        {"set", &Runner::set},         {"is", &Runner::is},           {"add", &Runner::add},
+        {"set", &Runner::set},         {"is", &Runner::set},          {"add", &Runner::add},
         {"regroup", &Runner::regroup}, {"cut", &Runner::cut},         {"get", &Runner::get},
         {"put", &Runner::put},         {"fill", &Runner::fill},       {"image", &Runner::image},
         {">", &Runner::request},       {">+", &Runner::request},      {"<", &Runner::reply},
@@ -81,52 +81,37 @@ QString Runner::run(const TraceLine& line)
 
 int* Runner::field(const QString& name)
 {
-    const struct {
-        const char* name;
-        int* value;
-    } table[] = {
-        {"maxBlockLength", &settings.maxBlockLength},
-        {"defaultStation", &settings.defaultStation},
-        {"retryLimit", &settings.retryLimit},
-        {"retryCount", &settings.retryCount},
-        {"stationPerVar", &settings.stationPerVar},
-        {"frameCount", &settings.frameCount},
-        {"framesDone", &settings.framesDone},
-        {"remoteFraming", &settings.remoteFraming},
-        {"ownNode", &settings.ownNode},
-        {"writeMode", &settings.writeMode},
-        {"scanDone", &settings.scanDone},
-        {"scanCount", &driver.scanCount},
-        {"writeBurst", &driver.writeBurst},
-        {"onceReadBurst", &driver.onceReadBurst},
-        {"currentSource", &driver.currentSource},
-        {"key", &driver.retVar.hostKey},
-        {"result", &driver.retVar.result},
-    };
-    for (const auto& row : table) {
-        if (name == QLatin1String(row.name))
-            return row.value;
-    }
-    return nullptr;
+    const QStringList names =
+        QString::fromLatin1(
+            "maxBlockLength defaultStation retryLimit retryCount stationPerVar "
+            "frameCount framesDone remoteFraming ownNode writeMode scanDone scanCount "
+            "writeBurst onceReadBurst currentSource key result")
+            .split(QLatin1Char(' '));
+    int* const values[] = {
+        &settings.maxBlockLength, &settings.defaultStation, &settings.retryLimit,
+        &settings.retryCount,     &settings.stationPerVar,  &settings.frameCount,
+        &settings.framesDone,     &settings.remoteFraming,  &settings.ownNode,
+        &settings.writeMode,      &settings.scanDone,       &driver.scanCount,
+        &driver.writeBurst,       &driver.onceReadBurst,    &driver.currentSource,
+        &driver.retVar.hostKey,   &driver.retVar.result};
+    const int index = names.indexOf(name);
+    return index < 0 ? nullptr : values[index];
 }
 
+/// Both `set` and `is`; lastFailed is no int.
 QString Runner::set(const TraceLine& line)
 {
-    if (line.words.value(1) == QLatin1String("lastFailed"))
-        driver.lastFailed = line.expected.value(0).toInt() != 0;
-    else if (int* value = field(line.words.value(1)))
-        *value = line.expected.value(0).toInt();
-    else
+    const QString name = line.words.value(1);
+    const bool assigns = line.words.at(0) == QLatin1String("set");
+    int failed = driver.lastFailed ? 1 : 0;
+    int* const value = name == QLatin1String("lastFailed") ? &failed : field(name);
+    if (!value)
         return QString::fromLatin1("no such field");
+    if (!assigns)
+        return compare(*value, line);
+    *value = line.expected.value(0).toInt();
+    driver.lastFailed = failed != 0;
     return QString();
-}
-
-QString Runner::is(const TraceLine& line)
-{
-    if (line.words.value(1) == QLatin1String("lastFailed"))
-        return compare(driver.lastFailed ? 1 : 0, line);
-    const int* value = field(line.words.value(1));
-    return value ? compare(*value, line) : QString::fromLatin1("no such field");
 }
 
 QList<RW_VAR>* Runner::listNamed(const QString& name)
@@ -273,20 +258,18 @@ QString Runner::reply(const TraceLine& line)
 QString Runner::frame(const TraceLine& line)
 {
     const Protocol& head = driver.frameList.at(line.words.value(1).toInt());
-    const QString shape = QString::fromLatin1("reply:%1 offset:%2 data:%3 of:%4 done:%5 address:%6 "
-                                              "flag:%7 rmw:%8 key:%9")
-                              .arg(head.replyLength)
-                              .arg(head.replyDataOffset)
-                              .arg(head.replyDataLength)
-                              .arg(settings.frameCount)
-                              .arg(settings.framesDone)
-                              .arg(head.var.address)
-                              .arg(head.var.rwFlag)
-                              .arg(head.var.rmwStep)
-                              .arg(head.var.hostKey);
-    for (const QString& word : line.expected) {
-        if (!shape.split(QLatin1Char(' ')).contains(word))
-            return compare(shape, word);
+    const QStringList names = QString::fromLatin1("reply offset data of done address flag rmw key")
+                                  .split(QLatin1Char(' '));
+    const QStringList values =
+        numbers({head.replyLength, head.replyDataOffset, head.replyDataLength, settings.frameCount,
+                 settings.framesDone, head.var.address, head.var.rwFlag, head.var.rmwStep,
+                 head.var.hostKey})
+            .split(QLatin1Char(','));
+    for (const QString& word : line.expected) { // NAME:VALUE
+        const int index = names.indexOf(word.section(QLatin1Char(':'), 0, 0));
+        const QString wrong = compare(values.value(index), word.section(QLatin1Char(':'), 1));
+        if (!wrong.isEmpty())
+            return word + QLatin1String(": ") + wrong;
     }
     const bool spare = (head.reserved1 | head.reserved2 | head.reserved3) != 0;
     return spare ? QString::fromLatin1("a reserved field is not 0") : QString();
@@ -320,15 +303,9 @@ QString Runner::list(const TraceLine& line)
         else if (what == QLatin1String("places"))
             shown << QString::fromLatin1("%1/%2").arg(var.station).arg(var.regType);
         else if (what == QLatin1String("fields"))
-            shown << QString::fromLatin1("%1,%2,%3,%4,%5,%6,%7,%8,%9")
-                         .arg(var.hostKey)
-                         .arg(var.hostSubKey)
-                         .arg(var.rwFlag)
-                         .arg(var.remoteMode)
-                         .arg(var.nodeId)
-                         .arg(var.result | var.rmwStep | var.auxParam)
-                         .arg(var.station)
-                         .arg(var.label, var.addressText);
+            shown << numbers({var.hostKey, var.hostSubKey, var.rwFlag, var.remoteMode, var.nodeId,
+                              var.result | var.rmwStep | var.auxParam, var.station}) +
+                         QString::fromLatin1(",%1,%2").arg(var.label, var.addressText);
         else
             shown << shapeOf(var);
     }

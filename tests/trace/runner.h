@@ -24,7 +24,6 @@ private:
     typedef QString (Runner::*Command)(const TraceLine&);
 
     QString set(const TraceLine& line);
-    QString is(const TraceLine& line);
     QString add(const TraceLine& line);
     QString regroup(const TraceLine& line);
     QString cut(const TraceLine& line);

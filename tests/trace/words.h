@@ -7,6 +7,8 @@
 
 #include <QStringList>
 
+#include <initializer_list>
+
 inline QByteArray hexBytes(const QStringList& words)
 {
     return QByteArray::fromHex(words.join(QString()).toLatin1());
@@ -68,6 +70,15 @@ inline RW_VAR variableOf(const QStringList& words)
     var.rmwStep = number(words, "rmw", 0);
     var.auxParam = number(words, "aux", 0);
     return var;
+}
+
+/// "1,2,3"
+inline QString numbers(std::initializer_list<int> values)
+{
+    QStringList words;
+    for (const int value : values)
+        words << QString::number(value);
+    return words.join(QString::fromLatin1(","));
 }
 
 /// ADDRESS+LENGTH, and the data where there is some.

@@ -311,6 +311,8 @@ QString Runner::list(const TraceLine& line)
     }
     if (what == QLatin1String("size"))
         return compare(entries.size(), line);
+    if (what == QLatin1String("last"))
+        return compare(shown.value(shown.size() - 1), line.expected.value(0));
     return compare(shown.join(QString::fromLatin1(" ")),
                    line.expected.join(QString::fromLatin1(" ")));
 }

@@ -114,6 +114,23 @@ private slots:
         }
         QTEST(waitedFor, "waitsFor");
     }
+
+    /// The write that a read step completes stands in a list of its own lock.
+    void readStepLooksAtTheWriteListUnderItsLock()
+    {
+        resetDriver();
+        RW_VAR var = writeOf(MEMORY_BIT, 37, 1, bytes("01"));
+        AddListWriteVar(&var, ADD_CHECKED);
+        ComCommunication();
+        const QByteArray incomplete = PLC_driver.frameList.at(1).frame;
+        QVERIFY(PLC_driver.listMutex.tryLock());
+        std::thread caller([] { answer(bytes("01 03 02 00 10 B9 88")); });
+        QTest::qSleep(50);
+        QCOMPARE(PLC_driver.frameList.at(1).frame, incomplete);
+        PLC_driver.listMutex.unlock();
+        caller.join();
+        QCOMPARE(PLC_driver.frameList.at(0).frame, bytes("01 06 00 02 00 30 28 1E"));
+    }
 };
 
 QTEST_APPLESS_MAIN(Locks)

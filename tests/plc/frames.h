@@ -1,26 +1,30 @@
-// Frames as tests write them: hex, with the trailer written out or made.
 #ifndef TESTS_PLC_FRAMES_H
 #define TESTS_PLC_FRAMES_H
 
 #include "plc/wire.h"
 
-inline QByteArray hex(const QByteArray& text)
-{
-    return QByteArray::fromHex(text);
-}
-inline QByteArray crc(const QByteArray& text)
-{
-    return plc::withCrc(hex(text));
-}
+#include <QList>
 
-inline QByteArray remoteFrame(const QByteArray& description, const QByteArray& data = {})
+/// Bytes as tests write them: hex, 55*512 for 512 times 55; at the end + adds the CRC of a local
+/// frame, ~ the length byte and the checksum of a remote one.
+inline QByteArray bytes(const QByteArray& text)
 {
-    QByteArray frame(1, static_cast<char>((22 + data.size()) & 0xFF));
-    frame += hex(description) + data;
-    int sum = 0;
-    for (const char byte : frame)
-        sum += static_cast<unsigned char>(byte);
-    return frame + static_cast<char>(sum & 0xFF);
+    QByteArray made;
+    for (const QByteArray& word : text.simplified().split(' ')) {
+        const QList<QByteArray> value = word.split('*');
+        const QByteArray once = QByteArray::fromHex(value.first());
+        if (word == "+") {
+            made = plc::withCrc(made);
+        } else if (word == "~") {
+            made.prepend(static_cast<char>((made.size() + 2) & 0xFF));
+            plc::appendByte(made, plc::byteSum(made));
+        } else if (once.toHex() != value.first().toLower()) {
+            qFatal("not hex: %s", word.constData());
+        } else {
+            made += once.repeated(value.value(1, "1").toInt());
+        }
+    }
+    return made;
 }
 
 #endif

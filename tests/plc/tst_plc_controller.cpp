@@ -1,0 +1,172 @@
+// Bytes in, replies out: the traces in the text files, and what traces do not show.
+#include "frames.h"
+#include "plc/controller.h"
+
+#include <QDir>
+#include <QtTest>
+
+#include <algorithm>
+#include <tuple>
+
+using namespace plc;
+
+namespace
+{
+/// Two stations that hold something to read everywhere; their machines stand still.
+Controller filled(const Framing& framing)
+{
+    Controller controller = makeController({1, 2}, framing);
+    for (Station& station : controller.stations) {
+        Memory& memory = station.memory;
+        unpackBits(memory.outputBits, 0, 40, bytes("FF 00 112233"));
+        unpackBits(memory.inputBits, 32, 8, bytes("5A"));
+        unpackBits(memory.specialBits, 8, 8, bytes("A5"));
+        memory.memoryWords[2] = 0x0010;
+        unpackWords(memory.memoryWords, MW_LEVEL, 2, bytes("000A 0102"));
+        memory.memoryWords[MEMORY_WORDS - 1] = 0xCAFE;
+        memory.specialWords[5] = 0xBEEF;
+    }
+    return controller;
+}
+
+bool sameMemory(const Controller& one, const Controller& other)
+{
+    const auto areas = [](const Memory& memory) {
+        return std::tie(memory.inputBits, memory.outputBits, memory.memoryWords, memory.specialBits,
+                        memory.specialWords);
+    };
+    return std::equal(one.stations.begin(), one.stations.end(), other.stations.begin(),
+                      [&areas](const Station& left, const Station& right) {
+                          return areas(left.memory) == areas(right.memory);
+                      });
+}
+} // namespace
+
+class ControllerTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void traces_data()
+    {
+        QTest::addColumn<QByteArray>("trace");
+        for (const char* name : {"framing.txt", "requests.txt", "machine.txt"}) {
+            QFile file(QDir(QStringLiteral(KP410_PLC_TRACES)).filePath(QLatin1String(name)));
+            if (!file.open(QIODevice::ReadOnly))
+                qFatal("cannot read %s", name);
+            for (const QByteArray& text : file.readAll().split('#').mid(1)) {
+                const QByteArray trace = text.trimmed();
+                QTest::newRow(trace.left(trace.indexOf('\n')).constData()) << trace;
+            }
+        }
+    }
+
+    void traces()
+    {
+        QFETCH(QByteArray, trace);
+        const Framing& framing = trace.startsWith("remote:") ? REMOTE_FRAMING : LOCAL_FRAMING;
+        Controller controller =
+            trace.startsWith("machine:") ? makeController({1, 2}, framing) : filled(framing);
+        Framer framer;
+        qint64 nowMs = 0;
+        QList<QByteArray> expected;
+        QList<QByteArray> seen;
+        const auto serveAll = [&](const QList<QByteArray>& frames) {
+            for (const QByteArray& frame : frames) {
+                const Controller before = controller;
+                const QByteArray reply = serve(controller, frame, nowMs);
+                const bool same = sameMemory(before, controller);
+                if (!same || !reply.isEmpty())
+                    seen += (same ? "< " : "<! ") + reply.toHex(' ');
+            }
+        };
+        const auto fallSilent = [&] {
+            nowMs += SILENT_GAP_MS;
+            serveAll(takeSilence(framer, framing.frameLength, nowMs));
+        };
+        for (const QByteArray& line : trace.split('\n').mid(1)) {
+            const QByteArray mark = line.split(' ').first();
+            const QByteArray data = bytes(line.mid(mark.size()));
+            expected += mark + ' ' + data.toHex(' ');
+            if (mark.startsWith('<'))
+                continue;
+            seen += expected.last();
+            const QList<QByteArray> pause = mark.mid(1).split('*');
+            for (int i = 0; mark.startsWith('+') && i < pause.value(1, "1").toInt(); ++i)
+                runMachines(controller, pause.first().toInt());
+            const int piece = mark.startsWith("@@") ? 1 : data.size();
+            for (int i = 0; i < data.size(); i += piece) {
+                nowMs += mark.mid(mark.lastIndexOf('@') + 1).toInt();
+                serveAll(takeBytes(framer, framing.frameLength, data.mid(i, piece), nowMs));
+            }
+            if (mark == ">")
+                fallSilent();
+        }
+        fallSilent();
+        QCOMPARE(seen, expected);
+    }
+
+    void levelKeepsToTheSetpoint()
+    {
+        // One step of 10 ms moves the level by up to 1.5 units beyond a switching point. A setpoint
+        // of 0 empties the tank, one too high counts as full.
+        const struct {
+            int setpoint, lowest, highest;
+        } bands[] = {
+            {0, 0, 0}, {300, 278, 322}, {800, 778, 822}, {1000, 978, 1000}, {65535, 978, 1000}};
+        for (const auto& band : bands) {
+            Controller controller = makeController({1}, LOCAL_FRAMING);
+            QVector<quint16>& words = controller.stations[1].memory.memoryWords;
+            words[MW_SETPOINT] = static_cast<quint16>(band.setpoint);
+            for (int i = 0; i < 10; ++i)
+                runMachines(controller, 1000);
+            QVector<int> levels;
+            for (int i = 0; i < 100; ++i) {
+                runMachines(controller, 20);
+                levels += words.at(MW_LEVEL);
+            }
+            const auto range = std::minmax_element(levels.begin(), levels.end());
+            const QByteArray seen = QByteArray::number(band.setpoint) + ": " +
+                                    QByteArray::number(*range.first) + " to " +
+                                    QByteArray::number(*range.second);
+            QVERIFY2(*range.first >= band.lowest && *range.second <= band.highest,
+                     seen.constData());
+            QCOMPARE(*range.second > *range.first, band.setpoint > 0);
+        }
+    }
+
+    void everyFrameEndsAtItsEnd()
+    {
+        // Among so many there are CRCs that fit one or more bytes early.
+        for (int address = 0; address < 0x2000; ++address) {
+            const QByteArray at = QByteArray::number(address, 16).rightJustified(4, '0');
+            for (const QByteArray& frame :
+                 {bytes("01 35" + at + " 01 FF00 +"), bytes("01 35" + at + " 00 0000 +"),
+                  bytes("01 04" + at + " 0001 +")}) {
+                Framer framer;
+                QList<QByteArray> seen;
+                for (int i = 0; i < frame.size(); ++i)
+                    seen += takeBytes(framer, localFrameLength, frame.mid(i, 1), 0);
+                seen += takeSilence(framer, localFrameLength, SILENT_GAP_MS);
+                QCOMPARE(seen, QList<QByteArray>{frame});
+            }
+        }
+    }
+
+    void countsAndDeafness()
+    {
+        Controller controller = filled(LOCAL_FRAMING);
+        controller.deafUntilMs = 1000;
+        QCOMPARE(serve(controller, bytes("01 06 000A 1234 +"), 999), QByteArray());
+        QCOMPARE(serve(controller, bytes("01 03 000A 0001 +"), 1000), bytes("01 03 02 0000 +"));
+        for (const char* frame :
+             {"02 04 0000 0001 +", "00 06 000A 1234 +", "00 04 0000 0001 +", "03 03 0000 0001 +"})
+            serve(controller, bytes(frame), 1000);
+        const Counters& counters = controller.counters;
+        QCOMPARE((QList<qint64>{counters.requests, counters.replies, counters.exceptions,
+                                counters.swallowed}),
+                 (QList<qint64>{4, 2, 2, 1}));
+    }
+};
+
+QTEST_APPLESS_MAIN(ControllerTest)
+#include "tst_plc_controller.moc"

@@ -19,19 +19,9 @@ namespace
 
 constexpr int FIRST_WORD = 10; // the address of v, w has the next one
 
+// The driver's record, and the low byte of the one word that it stores.
 RW_VAR record;
 char stored = 1;
-
-RW_VAR* fakeDataCom(QByteArray*, int)
-{
-    return &record;
-}
-
-int fakeGetRegisterData(int, int, QString*, int, QByteArray* out, int)
-{
-    *out = QByteArray(1, stored) + '\0';
-    return 1;
-}
 
 void play(Panel* panel, const QList<QByteArray>& event)
 {
@@ -47,8 +37,8 @@ void play(Panel* panel, const QList<QByteArray>& event)
         record.address = FIRST_WORD + (event[3] == "w");
         record.length = event[3].size();
         panel->info.framesDone = event[4].toInt();
-        Exchanged exchanged{false, "any", 0, 0};
-        takeReply(panel, &exchanged, 1, REPLY_ANY);
+        Exchanged reply{false, "any", 0, 0};
+        takeReply(panel, &reply, 1, REPLY_ANY);
     } else if (event[0] == "silence") {
         record.result = RESULT_RETRY;
         Exchanged nothing;
@@ -79,15 +69,16 @@ void PanelAccount::events()
 {
     Micros now = 0;
     Panel panel;
-    panel.driver.dataCom = fakeDataCom;
-    panel.driver.getRegisterData = fakeGetRegisterData;
+    panel.driver.dataCom = [](QByteArray*, int) { return &record; };
+    panel.driver.getRegisterData = [](int, int, QString*, int, QByteArray* out, int) {
+        return (*out = QByteArray(1, stored) + '\0').size();
+    };
     panel.link.device = std::make_unique<QBuffer>();
     panel.clock = [&now] { return now; };
     panel.timeout = 300 * MICROS_PER_MILLI;
     panel.info.frameCount = 2;
     panel.tags = parseTags(QString(), text("v,MEMORY_WORD,10,1,1,\nw,MEMORY_WORD,11,1,1,")).tags;
     panel.states = {initialState(panel.tags[0]), initialState(panel.tags[1])};
-    record = RW_VAR();
     record.regType = MEMORY_WORD;
     record.station = 1;
     stored = 1;

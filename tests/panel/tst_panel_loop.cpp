@@ -53,12 +53,10 @@ struct Run {
 
 void startPanel(QProcess* panel, const QString& arguments, const char* tags = TAGS)
 {
-    const QStringList always = {text("--library"), text(DRIVER_LIBRARY), text("--timeout"),
-                                text("100")};
+    const QStringList always = {text("--library=" DRIVER_LIBRARY), text("--timeout=100")};
     panel->setProcessChannelMode(QProcess::MergedChannels);
-    panel->start(text(PANEL_PROGRAM),
-                 always +
-                     arguments.split(QLatin1Char(' ')).replaceInStrings(text("TAGS"), text(tags)));
+    QStringList words = arguments.split(QLatin1Char(' '));
+    panel->start(text(PANEL_PROGRAM), always + words.replaceInStrings(text("TAGS"), text(tags)));
 }
 
 Run finishPanel(QProcess* panel)
@@ -107,12 +105,10 @@ void PanelLoop::readsAndWrites()
     QCOMPARE(run.output.count(text("read back as written")), 6);
     QFile tags(text(TAGS));
     QVERIFY(tags.open(QIODevice::ReadOnly));
-    for (const QByteArray& line : parts(tags.readAll().trimmed(), '\n'))
-        if (!line.startsWith('#')) {
-            const QByteArray tag = line.split(',')[0];
-            QCOMPARE(text(tag + '=') + valueAtEnd(run, tag),
-                     text(tag + '=' + line.split('#')[1].trimmed()));
-        }
+    for (const QByteArray& line : parts(tags.readAll().trimmed(), '\n')) {
+        const QByteArray tag = line.split(',')[0], valueWritten = line.split('#')[1].trimmed();
+        QCOMPARE(text(tag + '=') + valueAtEnd(run, tag), text(tag + '=' + valueWritten));
+    }
 }
 
 void PanelLoop::deafControllerComesBack()
@@ -129,8 +125,10 @@ void PanelLoop::deafControllerComesBack()
     QCOMPARE(::kill(static_cast<pid_t>(plc.process.processId()), SIGUSR1), 0);
     for (const char* wanted : {"does not answer", "(stale)", "fail callback: ", "answers again"})
         QTRY_VERIFY2_WITH_TIMEOUT(sees(wanted), seen, PATIENCE_MS);
-    const Run run = finishPanel(&panel);
+    Run run = finishPanel(&panel);
+    run.output.prepend(text(seen));
     QVERIFY2(run.exitCode == 0, qPrintable(run.output));
+    QCOMPARE(capture(run, "^ +(\\d+)\\.\\d+ s +write setpoint=77 queued"), text("3"));
     QCOMPARE(valueAtEnd(run, "setpoint"), text("77"));
     QVERIFY(capture(run, "finished failed, (\\d+) fail").toInt() >= 1);
     QVERIFY(capture(run, "^  result +41: (\\d+) \\(no reply\\)").toInt() >= 1);
@@ -142,7 +140,8 @@ void PanelLoop::deadStation()
     const Plc plc(text("--pty --stations 1"));
     const Run run = runPanel(text("--serial %1 --duration 2 --retries 0 --write %2 TAGS")
                                  .arg(plc.address, text(given(1)[0])));
-    QTEST(text("%1: %2").arg(run.exitCode).arg(capture(run, "^  (setpoint\\S*=5 \\w+)")),
+    QTEST(text("%1: %2, ").arg(run.exitCode).arg(capture(run, "^  (setpoint\\S*=5 \\w+)")) +
+              capture(run, "(\\d+ retries)"),
           "expected");
     QCOMPARE(valueAtEnd(run, "number"), text("1"));
     QCOMPARE(capture(run, "^  number_2 .*@2 +(- .*)$"), text("-        -  no answer"));
@@ -183,8 +182,8 @@ void PanelLoop::linkComesBack()
     const QString address = text("127.0.0.1:%1").arg(server.serverPort());
     QProcess panel;
     startPanel(&panel,
-               text("--timeout 500 --tcp %1 --duration 4 --retries 0 --write setpoint=99 TAGS")
-                   .arg(address));
+               text("TAGS --duration 4 --timeout 500 --retries 0 --write setpoint=99 --tcp ") +
+                   address);
     for (int i = 0; i < 2; ++i) {
         QVERIFY(server.waitForNewConnection(PATIENCE_MS));
         const std::unique_ptr<QTcpSocket> peer(server.nextPendingConnection());

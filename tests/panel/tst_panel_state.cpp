@@ -23,7 +23,6 @@ namespace
 ImageRange block(const QList<QByteArray>& words)
 {
     RW_VAR var;
-    var.regType = 0;
     while (var.regType < REGISTER_TYPE_COUNT && words[0] != REGISTER_TYPES[var.regType].name)
         ++var.regType;
     var.address = words[1].toInt();
@@ -45,9 +44,8 @@ void PanelState::coverage()
         const bool failed = words[0] == "!";
         const bool concerned = failed ? markFailed(tag, block(words.mid(1)), &state)
                                       : markReceived(tag, block(words), out.size() + 1, &state);
-        out << (concerned ? QString::number(receivedAt(state)) : text("-"));
-        if (state.failed)
-            out.last() += QLatin1Char('!');
+        out << (concerned ? QString::number(receivedAt(state)) : text("-")) +
+                   text(state.failed ? "!" : "");
     }
     QTEST(out.join(QLatin1Char(' ')), "expected");
 }

@@ -15,27 +15,21 @@ class Sums : public QObject
     }
 
 private slots:
-    void checkValues_data()
-    {
-        QTest::addColumn<QByteArray>("frame");
-        QTest::addColumn<int>("crc");
-        QTest::addColumn<int>("sum");
-        QTest::addColumn<int>("lrc");
-        QTest::newRow("123456789") << QByteArray("123456789") << 0x4B37 << 477 << 35;
-        QTest::newRow("01 03 00 00 00 01") << bytes("010300000001") << 0x0A84 << 5 << 251;
-        QTest::newRow("nothing") << QByteArray() << 0xFFFF << 0 << 256;
-        QTest::newRow("80 80") << bytes("8080") << -1 << 256 << 256;
-        QTest::newRow("300 times FF") << QByteArray(300, '\xFF') << -1 << 0x2AD4 << 44;
-    }
-
     void checkValues()
     {
-        QFETCH(QByteArray, frame);
-        QFETCH(int, crc);
-        if (crc >= 0)
-            QCOMPARE(int{CalCRC(wireBytes(frame), length(frame))}, crc);
-        QTEST(int{CalSUM(wireBytes(frame), length(frame))}, "sum");
-        QTEST(CalLRC(wireBytes(frame), length(frame)), "lrc");
+        const struct {
+            QByteArray frame;
+            int crc, sum, lrc;
+        } rows[] = {{"123456789", 0x4B37, 477, 35},
+                    {bytes("01 03 00 00 00 01"), 0x0A84, 5, 251},
+                    {QByteArray(), 0xFFFF, 0, 256},
+                    {bytes("80 80"), 0xD061, 256, 256},
+                    {QByteArray(300, '\xFF'), 0xDB30, 0x2AD4, 44}};
+        for (const auto& row : rows) {
+            QCOMPARE(int{CalCRC(wireBytes(row.frame), length(row.frame))}, row.crc);
+            QCOMPARE(int{CalSUM(wireBytes(row.frame), length(row.frame))}, row.sum);
+            QCOMPARE(CalLRC(wireBytes(row.frame), length(row.frame)), row.lrc);
+        }
     }
 
     void crcAgreesWithBitByBit()
@@ -75,37 +69,31 @@ private slots:
         QVERIFY(DigitalToASCII(INT_MAX) < 0); // wraps, as the addition says
     }
 
-    void replies_data()
-    {
-        QTest::addColumn<QByteArray>("reply");
-        QTest::addColumn<int>("length");
-        QTest::addColumn<int>("rwFlag");
-        QTest::addColumn<int>("verdict");
-        const QByteArray good = bytes("01 03 02 00 0A 38 43");
-        QTest::newRow("read") << good << 7 << 0 << 1;
-        QTest::newRow("write") << good << 7 << 1 << 2;
-        QTest::newRow("neither") << good << 7 << 5 << 0;
-        QTest::newRow("CRC the wrong way round") << bytes("01 03 02 00 0A 43 38") << 7 << 0 << 0;
-        QTest::newRow("CRC low byte wrong") << bytes("01 03 02 00 0A 39 43") << 7 << 0 << 0;
-        QTest::newRow("CRC high byte wrong") << bytes("01 03 02 00 0A 38 42") << 7 << 0 << 0;
-        QTest::newRow("longer than the bytes") << good << 8 << 0 << 0;
-        QTest::newRow("bytes beyond the length") << good + "junk" << 7 << 0 << 1;
-        QTest::newRow("FF FF, the CRC of nothing") << bytes("FFFF") << 2 << 0 << 1;
-        QTest::newRow("one byte") << bytes("FFFF") << 1 << 0 << 0;
-        QTest::newRow("no bytes") << bytes("FFFF") << 0 << 0 << 0;
-        QTest::newRow("fewer than none") << bytes("FFFF") << -1 << 0 << 0;
-        QTest::newRow("smallest") << bytes("FFFF") << INT_MIN << 0 << 0;
-    }
-
     void replies()
     {
-        QFETCH(QByteArray, reply);
-        QFETCH(int, length);
-        QFETCH(int, rwFlag);
+        const QByteArray good = bytes("01 03 02 00 0A 38 43");
+        const struct {
+            QByteArray reply;
+            int length, rwFlag, verdict;
+        } rows[] = {{good, 7, 0, 1},
+                    {good, 7, 1, 2},
+                    {good, 7, 5, 0},
+                    {bytes("01 03 02 00 0A 43 38"), 7, 0, 0}, // CRC the wrong way round
+                    {bytes("01 03 02 00 0A 39 43"), 7, 0, 0},
+                    {bytes("01 03 02 00 0A 38 42"), 7, 0, 0},
+                    {good, 8, 0, 0},          // longer than the bytes
+                    {good + "junk", 7, 0, 1}, // bytes beyond the length
+                    {bytes("FFFF"), 2, 0, 1}, // the CRC of nothing
+                    {bytes("FFFF"), 1, 0, 0},
+                    {bytes("FFFF"), 0, 0, 0},
+                    {bytes("FFFF"), -1, 0, 0},
+                    {bytes("FFFF"), INT_MIN, 0, 0}};
         resetDriver();
         PLC_driver.frameList.append(Protocol());
-        PLC_driver.frameList[0].var.rwFlag = rwFlag;
-        QTEST(CheckGetData(&reply, length), "verdict");
+        for (const auto& row : rows) {
+            PLC_driver.frameList[0].var.rwFlag = row.rwFlag;
+            QCOMPARE(CheckGetData(&row.reply, row.length), row.verdict);
+        }
     }
 };
 

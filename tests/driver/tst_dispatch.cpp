@@ -12,22 +12,11 @@ class DispatchOfReplies : public QObject
     Q_OBJECT
 
 private slots:
-    void anyLength_data()
-    {
-        QTest::addColumn<int>("length");
-        QTest::addColumn<int>("localCode");
-        QTest::addColumn<int>("remoteCode");
-        QTest::newRow("all") << 9 << 1 << 100;
-        QTest::newRow("a byte less") << 8 << 11 << 111;
-        QTest::newRow("one byte") << 1 << 11 << 111;
-        QTest::newRow("none") << 0 << 41 << 141;
-        QTest::newRow("negative") << -1 << 11 << 111;
-        QTest::newRow("more than there are") << 10 << 11 << 111;
-    }
-
     void anyLength()
     {
-        QFETCH(int, length);
+        // length said of a good reply of 9 bytes, code of the local and of the remote area
+        const int rows[][3] = {{8, 11, 111},  {1, 11, 111},  {0, 41, 141},
+                               {-1, 11, 111}, {10, 11, 111}, {9, 1, 100}};
         resetDriver();
         Protocol frame;
         frame.replyLength = REPLY_ANY;
@@ -35,10 +24,12 @@ private slots:
         frame.var = variable(MEMORY_WORD, 0, 2);
         PLC_driver.frameList << frame;
         QByteArray reply = bytes("01 03 04 00 0A 01 02 5A 60");
-        QTEST(DealDataOfRemoteArea(&reply, length), "remoteCode");
-        QVERIFY(DataStorage.isEmpty());
-        QTEST(DealDataOfLocalArea(&reply, length), "localCode");
-        QCOMPARE(DataStorage.isEmpty(), length != 9);
+        for (const auto& row : rows) {
+            QCOMPARE(DealDataOfRemoteArea(&reply, row[0]), row[2]);
+            QVERIFY(DataStorage.isEmpty());
+            QCOMPARE(DealDataOfLocalArea(&reply, row[0]), row[1]);
+            QCOMPARE(DataStorage.isEmpty(), row[0] != 9);
+        }
         QCOMPARE(PLC_driver.frameList.size(), 1);
     }
 

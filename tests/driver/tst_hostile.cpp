@@ -113,18 +113,6 @@ private slots:
         QVERIFY(PLC_driver.writeList.isEmpty());
     }
 
-    void listsEmptiedUnderAPendingFrame()
-    {
-        RW_VAR cyclic = variable(INPUT_BYTE, 0, 1);
-        AddListReadVar(&cyclic);
-        request();
-        QList<VAR_DESC> none;
-        ReCreatReadVarList(&none);
-        QCOMPARE(answer(withCrc("01 02 01 AA")), 1);
-        QCOMPARE(stored(1, AREA_INPUT), bytes("AA"));
-        QVERIFY(!ComCommunication());
-    }
-
     void failureIsReportedBeforeThePurgeUnderTheLock()
     {
         RegistCallBackFuncIntf(onFinish, noteQueueAndLock);

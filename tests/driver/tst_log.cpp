@@ -17,27 +17,20 @@ class Log : public QObject
     }
 
 private slots:
-    void lines_data()
-    {
-        QTest::addColumn<int>("milliseconds");
-        QTest::addColumn<QByteArray>("message");
-        QTest::addColumn<QByteArray>("line");
-        const auto row = [](int milliseconds, const char* message, const char* line) {
-            QTest::newRow(line) << milliseconds << QByteArray(message) << QByteArray(line) + '\n';
-        };
-        row(42, "abc", "2026.03.02.09:05:07.42:abc");
-        row(200, "abc", "2026.03.02.09:05:07.200:abc");
-        row(250, "abc", "2026.03.02.09:05:07.250:abc");
-        row(0, "", "2026.03.02.09:05:07.0:");
-        row(999, "\xE4", "2026.03.02.09:05:07.999:\xE4");
-    }
-
     void lines()
     {
-        QFETCH(int, milliseconds);
-        QFETCH(QByteArray, message);
-        const QDateTime when(QDate(2026, 3, 2), QTime(9, 5, 7, milliseconds));
-        QTEST(logLine(when, message.constData()), "line");
+        const struct {
+            int milliseconds;
+            QByteArray message, line;
+        } rows[] = {{42, "abc", "2026.03.02.09:05:07.42:abc\n"},
+                    {200, "abc", "2026.03.02.09:05:07.200:abc\n"},
+                    {250, "abc", "2026.03.02.09:05:07.250:abc\n"},
+                    {0, "", "2026.03.02.09:05:07.0:\n"},
+                    {999, "\xE4", "2026.03.02.09:05:07.999:\xE4\n"}};
+        for (const auto& row : rows) {
+            const QDateTime when(QDate(2026, 3, 2), QTime(9, 5, 7, row.milliseconds));
+            QCOMPARE(logLine(when, row.message.constData()), row.line);
+        }
     }
 
     /// One test, because the first line of a process is special.

@@ -7,28 +7,30 @@ class Exports : public QObject
 {
     Q_OBJECT
 
-    static QStringList output(const char* program, const QStringList& arguments)
+    /// The words of each line that a tool says about the library.
+    static QList<QStringList> said(const char* command)
     {
         QProcess process;
-        process.start(QString::fromLatin1(program), arguments);
-        if (!process.waitForFinished() || process.exitCode() != 0)
-            return QStringList();
-        return QString::fromLatin1(process.readAllStandardOutput()).split(QLatin1Char('\n'));
+        process.start(QString::fromLatin1(command).section(QLatin1Char(' '), 0, 0),
+                      QString::fromLatin1(command).split(QLatin1Char(' ')).mid(1)
+                          << QString::fromLatin1(KP410_LIBRARY));
+        process.waitForFinished();
+        QList<QStringList> lines;
+        for (const QString& line :
+             QString::fromLatin1(process.readAllStandardOutput()).split(QLatin1Char('\n')))
+            lines << line.simplified().split(QLatin1Char(' '));
+        return lines;
     }
 
     static QStringList dynamicEntries(const char* tag)
     {
         QStringList values;
-        for (const QString& line :
-             output("objdump", QStringList() << QString::fromLatin1("-p") << library())) {
-            const QStringList words = line.simplified().split(QLatin1Char(' '));
+        for (const QStringList& words : said("objdump -p")) {
             if (words.size() == 2 && words.at(0) == QLatin1String(tag))
                 values << words.at(1);
         }
         return values;
     }
-
-    static QString library() { return QString::fromLatin1(KP410_LIBRARY); }
 
 private slots:
     void symbols()
@@ -43,12 +45,9 @@ private slots:
                 "DigitalToASCII ASCIIToDigital PLC_driver DataStorage LB LW RWI")
                 .split(QLatin1Char(' '));
         QStringList exported;
-        const QStringList arguments =
-            QStringList() << QString::fromLatin1("-D") << QString::fromLatin1("--defined-only")
-                          << QString::fromLatin1("--format=posix") << library();
-        for (const QString& line : output("nm", arguments)) {
-            if (!line.isEmpty())
-                exported << line.section(QLatin1Char(' '), 0, 0);
+        for (const QStringList& words : said("nm -D --defined-only --format=posix")) {
+            if (words.size() > 1)
+                exported << words.at(0);
         }
         expected.sort();
         exported.sort();

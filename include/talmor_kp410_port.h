@@ -18,9 +18,9 @@
  * taken in this order: `listMutex`, then `stationMutex` or `storageMutex`, never those two
  * together.
  *
- * Errors are values, nothing throws. A null pointer, or a call before `SetComInfo` of a function
- * that needs the settings record, gets the neutral result: a null frame, `retVar` with result 1, or
- * 0.
+ * Errors are values; nothing but a failed allocation throws. A null pointer, or a call before
+ * `SetComInfo` of a function that needs the settings record, gets the neutral result: a null frame,
+ * `retVar` with result 1, or 0.
  *
  * Byte order. On the wire 16-bit fields are big-endian and a double word travels low-order word
  * first. In the store and in every array exchanged with the runtime, values are little-endian and

@@ -47,11 +47,12 @@ QSet<int> pendingAddresses(int station, int regType)
 
 /// Queues what is left of a write when the list is full: only a piece that replaces a pending write
 /// still has a place, so the others are not offered one by one.
+/// @param pending entries in the list
+/// @return entries in the list after the last piece that was offered
 int queueReplacements(RW_VAR& record, const RegisterTypeInfo& info, int address,
-                      const QByteArray& value, int from, int step)
+                      const QByteArray& value, int from, int step, int pending)
 {
     const QSet<int> targets = pendingAddresses(record.station, record.regType);
-    int pending = LIST_LIMIT;
     for (int position = from; position < value.size(); position += step) {
         const WritePiece piece = pieceAt(info, address, value, position, step);
         if (targets.contains(piece.address))
@@ -76,7 +77,7 @@ int queueWrite(RW_VAR& record, const RegisterTypeInfo& info, const QByteArray& v
     for (; position < value.size() && pending < LIST_LIMIT; position += step)
         pending = queuePiece(record, pieceAt(info, address, value, position, step));
     if (position < value.size())
-        pending = queueReplacements(record, info, address, value, position, step);
+        pending = queueReplacements(record, info, address, value, position, step, pending);
     return pending;
 }
 } // namespace

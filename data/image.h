@@ -4,6 +4,8 @@
 
 #include "check/Func_Check.h"
 
+#include <limits>
+
 /// A run of image bytes. 64-bit, because hostile addresses and counts reach far beyond an int.
 struct ImageSpan {
     qint64 start;
@@ -27,7 +29,8 @@ HostAccess hostAccess(int type, int address, int count);
 /// False for an access that is answered like a bad address.
 constexpr bool isWithinReach(HostAccess access)
 {
-    return access.offset <= MAX_IMAGE_BYTES && access.end <= MAX_IMAGE_BYTES;
+    return access.offset <= MAX_IMAGE_BYTES && access.end <= MAX_IMAGE_BYTES &&
+           access.end >= std::numeric_limits<int>::min();
 }
 
 /// The bytes that `bits` bits from bit `firstBit` on touch.

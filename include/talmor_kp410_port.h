@@ -261,7 +261,7 @@ extern TALMOR_EXPORT void* RWI; ///< third area
 
 // ---- Set-up ------------------------------------------------------------------------------------
 /// Takes the settings record and clears its `hostArea52` and `hostArea40`; null takes the record
-/// away again. No lock: call it while no frame is pending.
+/// away again. No lock: call it while no frame is pending and no other call runs.
 TALMOR_EXPORT void SetComInfo(ComInfo* info);
 /// Takes the two callbacks, either of which may be null. No lock.
 TALMOR_EXPORT void RegistCallBackFuncIntf(FinishCallback finish, FailCallback fail);
@@ -288,12 +288,11 @@ TALMOR_EXPORT Protocol* ComCommunication();
 /// the own node goes into the store. Discard late replies yourself: only length and CRC are
 /// compared.
 /// @param reply the bytes received; only the first `length` are the reply. Null with a `length` of
-///        0 is an empty reply, null with any other length changes nothing.
+///        0 is an empty reply, null with any other length is answered with 1 and ignored.
 /// @param length bytes received; 0 when nothing came in time, or none was expected
-/// @return `retVar`, always the same address, valid until the next call of this or
-/// ComCommunication:
-///         `result` is a ResultCode or an error of RESULTS, the rest names the variable finished
-///         last (the head of the list, should it have been rebuilt meanwhile), without its `data`.
+/// @return `retVar`, always the same address, valid until the next call of either: `result` is a
+///         ResultCode or an error of RESULTS, the rest names the variable finished last (the head
+///         of the list, should it have been rebuilt meanwhile), without its `data`
 /// Takes `listMutex`, and `storageMutex` while it stores; runs the callbacks.
 TALMOR_EXPORT RW_VAR* DataCom(QByteArray* reply, int length);
 
@@ -311,7 +310,7 @@ TALMOR_EXPORT int AddListWriteVar(RW_VAR* var, int mode);
 
 /// Queues a one-shot read. In mode ADD_CHECKED the address is parsed from `addressText`, the
 /// station chosen, `rmwStep` and `auxParam` cleared, the record converted to native units and cut
-/// into pieces of at most `maxBlockLength` (a negative limit shorter than the length gives none);
+/// into pieces of at most `maxBlockLength` (a negative limit within the length gives none);
 /// the caller's record ends as the last piece. Pieces that are queued already under the same keys,
 /// and those that a full list cannot take, are dropped. Takes `listMutex`.
 /// @return entries in `onceReadList`; 0 for a bad address or station 0
@@ -321,8 +320,8 @@ TALMOR_EXPORT int AddListOnceReadVar(RW_VAR* var, int mode);
 /// sorted by station, area and address, merged over gaps of less than a block, cut to
 /// `maxBlockLength`. An entry has the keys 0 and -1, and the texts of the variable that opened its
 /// block. Variables with a bad or wrapping address, station 0, a negative length or more than
-/// MAX_ELEMENTS elements are left out. Restarts the scan (`scanDone` 0). Takes `listMutex`. @return
-/// entries in `readList`
+/// MAX_ELEMENTS elements are left out. Restarts the scan (`scanDone` 0) unless `vars` is empty.
+/// Takes `listMutex`. @return entries in `readList`
 TALMOR_EXPORT int ReCreatReadVarList(QList<VAR_DESC>* vars);
 
 /// Cuts `var` into pieces of at most `maxLength` that cover `length` and appends them to `out`;
@@ -351,7 +350,8 @@ TALMOR_EXPORT int GetRegisterData(int unused, int type, QString* addressText, in
 /// store only (any other mode; every type, and `value` is left as it is).
 /// @param label text carried with the write
 /// @param station used while `stationPerVar` is nonzero, else `defaultStation` is
-/// @param value bits: a byte each; bytes: a 16-bit slot each, low byte first; words: 2 bytes each;
+/// @param value bits: a byte each (OUTPUT_BIT: bit 0, others: any nonzero is 1); bytes: a 16-bit
+/// slot each, low byte first; words: 2 bytes each;
 ///        double words: 4 bytes each. Missing bytes are 0. When queued, cut and padded in place
 ///        to what was taken from it.
 /// @param count elements; 16-bit words for double words; at most MAX_ELEMENTS

@@ -24,10 +24,15 @@ bool reaches(const RW_VAR& block, const RW_VAR& next, int maxLength)
     return adjoins || bridged;
 }
 
-/// A variable that wraps round the end of the addresses would merge with one at their start.
-bool fitsAddresses(const RW_VAR& var)
+constexpr int LAST_ADDRESS = std::numeric_limits<int>::max();
+
+/// True when an address stays what it is in native units. One that wraps round the end of the
+/// addresses would merge with variables at their start.
+bool convertsWithoutWrapping(int type, int address)
 {
-    return var.address >= 0 && var.length >= 0 && endOf(var) <= std::numeric_limits<int>::max();
+    const AreaInfo* area = findArea(getPlcReg(type));
+    const qint64 unitsPerElement = getPlcStorageAddress(type) / (area ? area->bytesPerUnit : 1);
+    return unitsPerElement * address <= LAST_ADDRESS;
 }
 
 RW_VAR recordOf(const VAR_DESC& desc, const ComInfo& settings, int address)
@@ -50,13 +55,14 @@ Groups groupsOf(const QList<VAR_DESC>& vars, const ComInfo& settings)
     Groups groups;
     for (const VAR_DESC& desc : vars) {
         const int address = StringAddressToInt(desc.regType, desc.addressText);
-        if (address < 0 || desc.length < 0 || desc.length > MAX_ELEMENTS)
+        if (address < 0 || !convertsWithoutWrapping(desc.regType, address) || desc.length < 0 ||
+            desc.length > MAX_ELEMENTS)
             continue;
         RW_VAR var = recordOf(desc, settings, address);
         if (var.station == 0)
             continue;
         updateRwVar(&var);
-        if (!fitsAddresses(var))
+        if (endOf(var) > LAST_ADDRESS)
             continue;
         groups[var.station][var.regType].append(var);
     }

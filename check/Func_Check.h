@@ -5,6 +5,8 @@
 #include "talmor_kp410_port.h"
 
 inline constexpr int BITS_PER_BYTE = 8;
+inline constexpr int BYTES_PER_WORD = 2;
+inline constexpr int BITS_PER_WORD = 16;
 inline constexpr int CRC_BYTES = 2;        ///< the trailer of every frame of the local framing
 inline constexpr int READ_DATA_OFFSET = 3; ///< in a read reply: after station, code, byte count
 
@@ -38,6 +40,13 @@ constexpr const AreaInfo* findArea(int area)
             return &row;
     }
     return nullptr;
+}
+
+/// Elements that `length` counts: the runtime counts a double-word variable in words, and half a
+/// double word is a whole one.
+constexpr qint64 elementsOf(const RegisterTypeInfo& info, qint64 length)
+{
+    return info.definition == DEF_DWORD ? (length + 1) / 2 : length;
 }
 
 /// @return area code of `type`; an unknown type itself

@@ -44,10 +44,8 @@ int updateRwVar(RW_VAR* var)
         var->length = wrapToInt((end + elementsPerUnit - 1) / elementsPerUnit);
     } else {
         const int unitsPerElement = elementBits / unitBits;
-        // The runtime counts a double-word variable in words; half a double word is read whole.
-        const qint64 elements = info->definition == DEF_DWORD ? (length + 1) / 2 : length;
         var->address = wrapMul(address, unitsPerElement);
-        var->length = wrapToInt(elements * unitsPerElement);
+        var->length = wrapToInt(elementsOf(*info, length) * unitsPerElement);
     }
     var->regType = info->area;
     return 0;

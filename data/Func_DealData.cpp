@@ -9,7 +9,6 @@
 namespace
 {
 constexpr int REPLY_FRAME_BYTES = READ_DATA_OFFSET + CRC_BYTES;
-constexpr int WORD_BITS = 16;
 
 int payloadBytes(const QByteArray& reply, int offset)
 {
@@ -50,7 +49,7 @@ int mergedWord(int regType, int address, unsigned char value, int word)
     if (address < 0)
         return -1;
     if (regType == MEMORY_BIT) {
-        const int mask = 1 << (address % WORD_BITS);
+        const int mask = 1 << (address % BITS_PER_WORD);
         return value != 0 ? word | mask : word & ~mask;
     }
     if (regType == MEMORY_BYTE)

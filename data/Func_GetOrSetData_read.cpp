@@ -19,22 +19,6 @@ int refuse(QByteArray& out, int count)
     return 0;
 }
 
-/// Bytes that a host read of `count` elements of `definition` returns.
-qint64 resultBytes(int definition, qint64 count)
-{
-    switch (definition) {
-    case DEF_BIT:
-        return count;
-    case DEF_BYTE:
-    case DEF_WORD:
-        return 2 * count;
-    case DEF_DWORD:
-        return (count + 1) / 2 * 4;
-    default:
-        return 0;
-    }
-}
-
 void copyBits(char* out, const unsigned char* image, int firstBit, int count)
 {
     for (int i = 0; i < count; ++i) {
@@ -43,19 +27,16 @@ void copyBits(char* out, const unsigned char* image, int firstBit, int count)
     }
 }
 
-void copyValues(QByteArray& out, const QByteArray& image, int definition, int offset, int count)
+/// Host reads get bytes in the space of words: the values, then as many zeros.
+void copyValues(QByteArray& out, const QByteArray& image, const RegisterTypeInfo& info, int offset,
+                int count)
 {
-    const qint64 bytes = resultBytes(definition, count);
-    if (count < 1 || bytes < 1)
-        return;
-    out.resize(static_cast<int>(bytes));
-    if (definition == DEF_BIT) {
+    const int present = valueBytes(info, count);
+    out = QByteArray(info.definition == DEF_BYTE ? BYTES_PER_WORD * present : present, '\0');
+    if (info.definition == DEF_BIT)
         copyBits(out.data(), wireBytes(image), offset, count);
-        return;
-    }
-    const qint64 present = definition == DEF_BYTE ? count : bytes;
-    std::memcpy(out.data(), image.constData() + offset, static_cast<std::size_t>(present));
-    std::memset(out.data() + present, 0, static_cast<std::size_t>(bytes - present));
+    else
+        std::memcpy(out.data(), image.constData() + offset, static_cast<std::size_t>(present));
 }
 } // namespace
 
@@ -73,7 +54,7 @@ int GetRegisterData(int /*unused*/, int type, QString* addressText, int station,
     QMutexLocker lock(&PLC_driver.storageMutex);
     QByteArray& image = areaImage(station, getPlcReg(type));
     growImage(image, static_cast<int>(std::max<qint64>(access.end, 0)));
-    const int offset = static_cast<int>(access.offset);
-    copyValues(*out, image, getRegisterTypeDefinition(type), offset, count);
+    if (const RegisterTypeInfo* info = findRegisterType(type))
+        copyValues(*out, image, *info, static_cast<int>(access.offset), count);
     return 1;
 }

@@ -21,8 +21,7 @@ ImageSpan spanOfRecord(const RW_VAR& var, const RegisterTypeInfo& info)
     if (info.definition == DEF_BYTE)
         return {var.address, length};
     // Words and double words alike are addressed and counted in words; a double word is never cut.
-    const qint64 words = info.definition == DEF_DWORD ? (length + 1) / 2 * 2 : length;
-    return {qint64{2} * var.address, 2 * words};
+    return {qint64{BYTES_PER_WORD} * var.address, elementsOf(info, length) * info.bytesPerElement};
 }
 } // namespace
 

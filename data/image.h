@@ -33,6 +33,13 @@ constexpr bool isWithinReach(HostAccess access)
            access.end >= std::numeric_limits<int>::min();
 }
 
+/// Bytes of `count` elements as values: one per bit or byte, 2 per word, 4 per double word. For
+/// counts within reach.
+constexpr int valueBytes(const RegisterTypeInfo& info, int count)
+{
+    return count < 1 ? 0 : static_cast<int>(elementsOf(info, count)) * info.bytesPerElement;
+}
+
 /// The bytes that `bits` bits from bit `firstBit` on touch.
 constexpr ImageSpan spanOfBits(qint64 firstBit, qint64 bits)
 {

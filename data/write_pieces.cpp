@@ -7,8 +7,6 @@
 
 namespace
 {
-constexpr int WORD_BYTES = 2;
-
 /// How a type's writes are addressed and counted once they are cut: in bits, single elements or
 /// words.
 struct WriteRule {
@@ -20,24 +18,16 @@ struct WriteRule {
 constexpr WriteRule ruleOf(const RegisterTypeInfo& info)
 {
     if (info.area == AREA_OUTPUT) // a stream of bits
-        return {info.bytesPerElement * BITS_PER_BYTE, WORD_BYTES * BITS_PER_BYTE, 1};
+        return {info.bytesPerElement * BITS_PER_BYTE, BYTES_PER_WORD * BITS_PER_BYTE, 1};
     if (info.definition == DEF_BIT || info.definition == DEF_BYTE) // one element to a record
-        return {1, WORD_BYTES, 0};
-    return {info.bytesPerElement / WORD_BYTES, 1, info.bytesPerElement}; // words
-}
-
-constexpr qint64 normalisedBytes(const RegisterTypeInfo& info, qint64 count)
-{
-    if (count < 1)
-        return 0;
-    const qint64 elements = info.definition == DEF_DWORD ? (count + 1) / 2 : count;
-    return elements * info.bytesPerElement;
+        return {1, BYTES_PER_WORD, 0};
+    return {info.bytesPerElement / BYTES_PER_WORD, 1, info.bytesPerElement}; // words
 }
 } // namespace
 
 QByteArray normalisedValue(const RegisterTypeInfo& info, const QByteArray& value, int count)
 {
-    const int bytes = static_cast<int>(normalisedBytes(info, count));
+    const int bytes = valueBytes(info, count);
     QByteArray normal(bytes, '\0');
     unsigned char* out = reinterpret_cast<unsigned char*>(normal.data());
     if (info.definition != DEF_BYTE) {
@@ -45,9 +35,9 @@ QByteArray normalisedValue(const RegisterTypeInfo& info, const QByteArray& value
         return normal;
     }
     // The runtime hands bytes over in 16-bit slots of which the low byte counts.
-    const int present = std::min(bytes, (value.size() + 1) / WORD_BYTES);
+    const int present = std::min(bytes, (value.size() + 1) / BYTES_PER_WORD);
     for (int i = 0; i < present; ++i)
-        out[i] = static_cast<unsigned char>(value.at(i * WORD_BYTES));
+        out[i] = static_cast<unsigned char>(value.at(i * BYTES_PER_WORD));
     return normal;
 }
 
@@ -68,8 +58,8 @@ WritePiece pieceAt(const RegisterTypeInfo& info, int address, const QByteArray& 
     const WriteRule rule = ruleOf(info);
     const QByteArray data = value.mid(position, bytes);
     const qint64 start = qint64{address} * rule.unitsPerElement +
-                         qint64{position} * rule.unitsPerTwoBytes / WORD_BYTES;
-    const qint64 length = qint64{data.size()} * rule.unitsPerTwoBytes / WORD_BYTES;
+                         qint64{position} * rule.unitsPerTwoBytes / BYTES_PER_WORD;
+    const qint64 length = qint64{data.size()} * rule.unitsPerTwoBytes / BYTES_PER_WORD;
     return {wrapToInt(start), wrapToInt(length), data};
 }
 

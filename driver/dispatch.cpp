@@ -35,28 +35,18 @@ constexpr Outcome remoteOf(Outcome local)
     return static_cast<Outcome>(local + (REMOTE_GOOD - LOCAL_GOOD));
 }
 
-/// What the runtime's array may hold beyond the received bytes is no part of the reply.
-QByteArray received(const QByteArray& reply, int length)
-{
-    return reply.left(length);
-}
-
+/// What the runtime's array holds beyond the first `length` bytes is no part of the reply.
 void storeLocal(const QByteArray& reply, int length)
 {
-    QByteArray frame = received(reply, length);
-    if (completesWrite(headFrame())) {
-        QMutexLocker lists(&PLC_driver.listMutex);
-        QMutexLocker storage(&PLC_driver.storageMutex);
-        SaveToLocalDataErea(&frame);
-    } else {
-        QMutexLocker storage(&PLC_driver.storageMutex);
-        SaveToLocalDataErea(&frame);
-    }
+    QByteArray frame = reply.left(length);
+    QMutexLocker lists(completesWrite(headFrame()) ? &PLC_driver.listMutex : nullptr);
+    QMutexLocker storage(&PLC_driver.storageMutex);
+    SaveToLocalDataErea(&frame);
 }
 
 int completeRemoteWrite(const QByteArray& reply, int length)
 {
-    QByteArray frame = received(reply, length);
+    QByteArray frame = reply.left(length);
     QMutexLocker lists(&PLC_driver.listMutex);
     SaveToLocalDataErea(&frame);
     return GetDriverReturnValue(PLC_driver.comInfo->framesDone == 1 ? REMOTE_GOOD : LOCAL_GOOD);

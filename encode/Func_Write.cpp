@@ -86,13 +86,11 @@ void WriteBool_WordOfBit(const RW_VAR* var)
 {
     if (var->station == 0 || var->address < 0)
         return;
-    constexpr int bitsPerWord = 16;
-    constexpr int bytesPerWord = 2;
     RW_VAR step = *var;
     if (var->regType == MEMORY_BIT)
-        step.address = var->address / bitsPerWord;
+        step.address = var->address / BITS_PER_WORD;
     else if (var->regType == MEMORY_BYTE)
-        step.address = var->address / bytesPerWord;
+        step.address = var->address / BYTES_PER_WORD;
 
     step.rwFlag = RW_READ;
     step.rmwStep = RMW_READ_STEP;

@@ -27,24 +27,18 @@ bool isQueued(const QList<RW_VAR>& reads, const RW_VAR& var)
     return false;
 }
 
-void setPiece(RW_VAR& var, const Piece& piece)
-{
-    var.address = piece.address;
-    var.length = piece.length;
-}
-
 /// Queues the pieces of `var` that are not queued yet and leaves `var` as the last piece. A list
 /// that is full ends it: no later piece could be added.
 void queuePieces(QList<RW_VAR>& reads, RW_VAR& var, const Pieces& pieces)
 {
     const int start = var.address;
     for (qint64 i = 0; i < pieces.count && reads.size() < LIST_LIMIT; ++i) {
-        setPiece(var, pieceOf(pieces, start, i));
+        setPiece(var, pieces, start, i);
         if (!isQueued(reads, var))
             reads.append(var);
     }
     if (pieces.count > 0)
-        setPiece(var, pieceOf(pieces, start, pieces.count - 1));
+        setPiece(var, pieces, start, pieces.count - 1);
 }
 } // namespace
 

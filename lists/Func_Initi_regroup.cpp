@@ -147,9 +147,7 @@ void WhetherGroup(int length, int maxLength, RW_VAR* var, QList<RW_VAR>* out)
     const Pieces pieces = cutLength(length, maxLength);
     const int start = var->address;
     for (qint64 i = 0; i < pieces.count; ++i) {
-        const Piece piece = pieceOf(pieces, start, i);
-        var->address = piece.address;
-        var->length = piece.length;
+        setPiece(*var, pieces, start, i);
         out->append(*var);
     }
 }

@@ -13,8 +13,8 @@ Pieces cutLength(int length, int limit)
     return {full, limit, limit};
 }
 
-Piece pieceOf(const Pieces& pieces, int start, qint64 index)
+void setPiece(RW_VAR& var, const Pieces& pieces, int start, qint64 index)
 {
-    const int length = index == pieces.count - 1 ? pieces.last : pieces.size;
-    return {wrapToInt(start + index * pieces.size), length};
+    var.address = wrapToInt(start + index * pieces.size);
+    var.length = index == pieces.count - 1 ? pieces.last : pieces.size;
 }

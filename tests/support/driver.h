@@ -1,47 +1,15 @@
-/// A driver at rest, a settings record, a log of the callbacks, and the runtime's side of a turn.
+/// The linked driver at rest, and the runtime's side of a turn.
 #ifndef KP410_TESTS_DRIVER_H
 #define KP410_TESTS_DRIVER_H
 
+#include "support/at_rest.h"
 #include "support/bytes.h"
-#include "talmor_kp410_port.h"
-
-#include <QStringList>
 
 inline ComInfo settings;
-inline QStringList events;
 
-inline void onFinish(int cookie, int key, int subKey, int state)
-{
-    events << QString::fromLatin1("finish %1 %2 %3 %4").arg(cookie).arg(key).arg(subKey).arg(state);
-}
-
-inline void onFail(QList<RW_VAR>* vars, int key, int flag)
-{
-    events << QString::fromLatin1("fail %1 %2 %3").arg(vars->size()).arg(key).arg(flag);
-}
-
-/// As loaded and set up: everything empty, own node 1, stations per variable, blocks of 10.
 inline void resetDriver()
 {
-    PLC_driver.readList.clear();
-    PLC_driver.writeList.clear();
-    PLC_driver.onceReadList.clear();
-    PLC_driver.frameList.clear();
-    PLC_driver.stationMap.clear();
-    PLC_driver.retVar = RW_VAR();
-    PLC_driver.currentSource = SOURCE_NONE;
-    PLC_driver.writeBurst = 0;
-    PLC_driver.onceReadBurst = 0;
-    PLC_driver.scanCount = 0;
-    PLC_driver.lastFailed = false;
-    DataStorage.clear();
-    events.clear();
-    settings = ComInfo();
-    settings.maxBlockLength = 10;
-    settings.stationPerVar = 1;
-    settings.ownNode = 1;
-    settings.writeMode = WRITE_QUEUE;
-    settings.hostCookie = 99;
+    putToRest(PLC_driver, DataStorage, settings);
     SetComInfo(&settings);
     RegistCallBackFuncIntf(onFinish, onFail);
 }

@@ -1,21 +1,10 @@
 #include "trace/runner.h"
 
+#include "support/at_rest.h"
 #include "trace/words.h"
 
 namespace
 {
-QStringList events;
-
-void onFinish(int cookie, int key, int subKey, int state)
-{
-    events << QString::fromLatin1("finish %1 %2 %3 %4").arg(cookie).arg(key).arg(subKey).arg(state);
-}
-
-void onFail(QList<RW_VAR>* vars, int key, int flag)
-{
-    events << QString::fromLatin1("fail %1 %2 %3").arg(vars->size()).arg(key).arg(flag);
-}
-
 QString compare(const QString& actual, const QString& expected)
 {
     if (actual == expected)
@@ -54,21 +43,7 @@ Runner::Runner(const Library& loaded) : library(loaded), driver(*BIND(loaded, PL
 
 void Runner::reset()
 {
-    for (QList<RW_VAR>* entries : {&driver.readList, &driver.writeList, &driver.onceReadList})
-        entries->clear();
-    driver.frameList.clear();
-    driver.stationMap.clear();
-    driver.retVar = RW_VAR();
-    driver.currentSource = SOURCE_NONE;
-    driver.writeBurst = driver.onceReadBurst = driver.scanCount = 0;
-    driver.lastFailed = false;
-    BIND(library, DataStorage)->clear();
-    events.clear();
-    settings = ComInfo();
-    settings.maxBlockLength = 10;
-    settings.stationPerVar = settings.ownNode = 1;
-    settings.writeMode = WRITE_QUEUE;
-    settings.hostCookie = 99;
+    putToRest(driver, *BIND(library, DataStorage), settings);
     BIND(library, SetComInfo)(&settings);
     BIND(library, RegistCallBackFuncIntf)(onFinish, onFail);
 }

@@ -8,11 +8,13 @@ usage() {
 }
 
 [ $# -eq 1 ] || usage
-packages=(g++ cmake ninja-build qtbase5-dev libqt5serialport5-dev)
+packages=(g++ cmake ninja-build qtbase5-dev libqt5serialport5-dev libncurses-dev)
 case $1 in
 demo) ;;
 tests)
-    packages+=(clang clang-format clang-tidy libclang-rt-14-dev libmodbus-dev pkg-config binutils tmux)
+    packages+=(clang clang-format clang-tidy libclang-rt-14-dev pkg-config binutils)
+    # Peers of the programs, and what looks at them as a person does.
+    packages+=(libmodbus-dev python3-pymodbus mbpoll tshark tmux mandoc)
     ;;
 *) usage ;;
 esac

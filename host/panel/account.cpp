@@ -1,12 +1,9 @@
 #include "account.h"
 
+#include "station_switch.h"
+
 namespace
 {
-
-QString seconds(Micros time)
-{
-    return QString::number(static_cast<double>(time) / MICROS_PER_SECOND, 'f', 2);
-}
 
 QString variableText(const RW_VAR& var)
 {
@@ -19,12 +16,23 @@ QString variableText(const RW_VAR& var)
         .arg(var.station);
 }
 
-QString readValue(Panel* panel, const Tag& tag)
+QByteArray hostRead(const Panel& panel, const Tag& tag)
 {
     QByteArray raw;
     QString address = tag.addressText;
-    panel->driver.getRegisterData(0, tag.type, &address, tag.station, &raw, tag.length);
-    return formatValue(tag, raw);
+    panel.driver.getRegisterData(0, tag.type, &address, tag.station, &raw, tag.length);
+    return raw;
+}
+
+/// A host write takes each byte in a 16-bit slot, a host read delivers them packed.
+QByteArray asHostRead(const Tag& tag, const QByteArray& written)
+{
+    if (REGISTER_TYPES[tag.type].definition != DEF_BYTE)
+        return written;
+    QByteArray packed;
+    for (int i = 0; i < written.size(); i += 2)
+        packed += written.at(i);
+    return packed;
 }
 
 void takeFinish(Panel* panel, TimedCallback* callback)
@@ -43,45 +51,26 @@ void takeFinish(Panel* panel, TimedCallback* callback)
                     .arg(record.state));
     if (write.state == WriteState::Done) {
         TagState& state = panel->states[write.tag];
-        state.value = write.shown;
+        takeValue(panel->tags[write.tag], asHostRead(panel->tags[write.tag], write.value), &state);
         state.written = true;
-    }
-}
-
-void noteAnswer(Panel* panel, int station, bool answered)
-{
-    const Micros now = panel->clock();
-    const bool wasSilent = panel->silentSince.contains(station);
-    if (!answered && !wasSilent) {
-        panel->silentSince[station] = panel->lastRequestAt;
-        note(panel, QStringLiteral("station %1 does not answer").arg(station));
-    } else if (answered && wasSilent) {
-        const Micros since = panel->silentSince.take(station);
-        note(panel, QStringLiteral("station %1 answers again after %2 s")
-                        .arg(station)
-                        .arg(seconds(now - since)));
-        // One answer makes one block fresh, not the station's other tags.
-        for (int i = 0; i < panel->tags.size(); ++i)
-            if (panel->tags[i].station == station)
-                panel->states[i].failed = true;
     }
 }
 
 void takeBlock(Panel* panel, const RW_VAR& served, bool good)
 {
-    ++panel->statistics.cyclicReads;
-    const ImageRange block = rangeOfBlock(served);
     const Micros now = panel->clock();
+    countBlock(&panel->statistics, served, good, now);
+    const ImageRange block = rangeOfBlock(served);
     for (int i = 0; i < panel->tags.size(); ++i) {
         const Tag& tag = panel->tags[i];
         TagState& state = panel->states[i];
         if (!good) {
-            markFailed(tag, block, &state);
+            markFailed(tag, block, now, &state);
             continue;
         }
         if (!markReceived(tag, block, now, &state))
             continue;
-        state.value = readValue(panel, tag);
+        takeValue(tag, hostRead(*panel, tag), &state);
         const int index = compareReadBack(&panel->writes, i, state.value);
         if (index >= 0)
             note(panel, QStringLiteral("read back %1=%2 (%3)")
@@ -94,11 +83,6 @@ void takeBlock(Panel* panel, const RW_VAR& served, bool good)
 
 } // namespace
 
-void note(Panel* panel, const QString& text)
-{
-    panel->events << Event{panel->clock(), text};
-}
-
 void takeDriverCallbacks(Panel* panel, const RW_VAR* served)
 {
     for (const CallbackRecord& record : takeCallbacks()) {
@@ -108,21 +92,25 @@ void takeDriverCallbacks(Panel* panel, const RW_VAR* served)
         } else {
             callback.about =
                 served != nullptr ? variableText(*served) : QStringLiteral("unsendable");
-            panel->lastFail = QStringLiteral("%1 s: %2").arg(seconds(callback.at), callback.about);
+            panel->lastFail =
+                QStringLiteral("%1 s: %2").arg(secondsText(callback.at), callback.about);
             note(panel, QStringLiteral("fail callback: %1 given up").arg(callback.about));
         }
         countCallback(&panel->statistics, callback);
     }
 }
 
-void takeReply(Panel* panel, Exchanged* exchanged, int station, int replyLength)
+void takeReply(Panel* panel, const Request& request, Exchanged* exchanged)
 {
-    if (replyLength != REPLY_NONE)
-        noteAnswer(panel, station, !exchanged->reply.isEmpty());
+    const bool expected = request.asked.replyLength != REPLY_NONE;
+    const bool answered = !exchanged->reply.isEmpty();
+    if (expected)
+        watchAnswer(panel, request.station, answered, exchanged->requestedAt);
+    const qint64 failsBefore = panel->statistics.fails;
     const RW_VAR* served = panel->driver.dataCom(&exchanged->reply, exchanged->reply.size());
-    const ResultInfo* result = resultInfo(served->result);
-    const bool good = result != nullptr && !result->error;
-    countReply(&panel->statistics, served->result);
+    const bool good = isGood(served->result);
+    countTurn(&panel->statistics, {request.station, served->result, request.asked.frame.size(),
+                                   exchanged->reply.size(), expected});
     // The record names the variable finished last, which is this one only when it has no frame
     // left.
     const bool finished =
@@ -130,4 +118,6 @@ void takeReply(Panel* panel, Exchanged* exchanged, int station, int replyLength)
     if (finished && served->rwFlag == RW_READ)
         takeBlock(panel, *served, good);
     takeDriverCallbacks(panel, served);
+    if (panel->statistics.fails > failsBefore && expected && !answered)
+        watchGivenUp(panel, request.station);
 }

@@ -2,13 +2,11 @@
 // counters.
 #pragma once
 
-#include "loop.h"
-
-void note(Panel* panel, const QString& text);
+#include "panel.h"
 
 /// Takes what the callbacks recorded during the last call of the driver.
 /// @param served the variable that the call finished, null when it came before any request
 void takeDriverCallbacks(Panel* panel, const RW_VAR* served);
 
 /// Hands the reply to the driver and notes what came of it.
-void takeReply(Panel* panel, Exchanged* exchanged, int station, int replyLength);
+void takeReply(Panel* panel, const Request& request, Exchanged* exchanged);

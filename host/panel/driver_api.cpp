@@ -26,6 +26,8 @@ QStringList bindAll(DriverApi* api)
     bind(handle, "DataCom", &api->dataCom, &missing);
     bind(handle, "GetRegisterData", &api->getRegisterData, &missing);
     bind(handle, "SetRegisterData", &api->setRegisterData, &missing);
+    bind(handle, "EnCommStation", &api->enCommStation, &missing);
+    bind(handle, "PLC_driver", &api->state, &missing);
     return missing;
 }
 

@@ -15,6 +15,8 @@ struct DriverApi {
     decltype(&::DataCom) dataCom = nullptr;
     decltype(&::GetRegisterData) getRegisterData = nullptr;
     decltype(&::SetRegisterData) setRegisterData = nullptr;
+    decltype(&::EnCommStation) enCommStation = nullptr;
+    Communication_Protocol* state = nullptr;
     void* handle = nullptr;
 };
 

@@ -1,5 +1,7 @@
 #include "exchange.h"
 
+#include "talmor_kp410_port.h"
+
 #include <algorithm>
 
 namespace
@@ -21,32 +23,84 @@ QByteArray listen(Link* link, Micros time, const Clock& clock)
     return bytes;
 }
 
+void tap(const Link& link, const WireFrame& frame)
+{
+    if (link.tap)
+        link.tap(frame);
+}
+
+void discard(const Link& link, const QByteArray& bytes, Micros at, Exchanged* result)
+{
+    if (bytes.isEmpty())
+        return;
+    result->discarded += bytes.size();
+    tap(link, {at, FrameKind::Stray, bytes, {}, false});
+}
+
 /// Throws input away until the line has been silent. Noise that never ends delays a request by one
 /// time-out, not for ever.
-int discardUntilSilent(Link* link, const Request& request, const Clock& clock)
+void discardUntilSilent(Link* link, const Request& request, const Clock& clock, Exchanged* result)
 {
     const Micros silence = silentInterval(link->baud);
     const Micros heldUntil = clock() + request.hold;
     const Micros patience = heldUntil + silence + request.timeout;
-    int discarded = 0;
     for (;;) {
         const Micros quietAt = std::max(link->lastByteAt + silence, heldUntil);
-        const int bytes = listen(link, quietAt - clock(), clock).size();
-        discarded += bytes;
+        const QByteArray bytes = listen(link, quietAt - clock(), clock);
         const Micros now = clock();
-        if ((bytes == 0 && now >= quietAt) || now >= patience || link->lost(*link->device))
-            return discarded;
+        discard(*link, bytes, now, result);
+        if ((bytes.isEmpty() && now >= quietAt) || now >= patience || link->lost(*link->device))
+            return;
     }
 }
 
 bool send(Link* link, const Request& request, const Clock& clock)
 {
+    const QByteArray& frame = request.asked.frame;
     QIODevice& device = *link->device;
-    bool sent = device.write(request.frame) == request.frame.size();
+    bool sent = device.write(frame) == frame.size();
     while (sent && device.bytesToWrite() > 0)
         sent = device.waitForBytesWritten(ceilMillis(request.timeout));
-    link->lastByteAt = clock() + transmissionTime(request.frame.size(), link->baud);
+    link->lastByteAt = clock() + transmissionTime(frame.size(), link->baud);
     return sent && !link->lost(device);
+}
+
+/// Takes the request itself off the front of what came, once it is there whole.
+bool takeEcho(const QByteArray& frame, QByteArray* bytes)
+{
+    if (!bytes->startsWith(frame))
+        return false;
+    bytes->remove(0, frame.size());
+    return true;
+}
+
+/// @return true when the reply has ended, or will not come
+bool receive(Link* link, const Request& request, const Clock& clock, Exchanged* result)
+{
+    const Asked& asked = request.asked;
+    const ReceiveLimits limits =
+        receiveLimits(asked.frame.size(), asked.replyLength, link->baud, request.timeout);
+    bool echoed = !request.echo;
+    for (;;) {
+        const Micros now = clock();
+        const Micros wait = receiveWait(result->reply.size(), asked.replyLength,
+                                        now - link->lastByteAt, now - result->requestedAt, limits);
+        if (wait == 0 && !isForeign(asked, result->reply))
+            return true;
+        if (wait == 0) {
+            discard(*link, result->reply, result->repliedAt, result);
+            result->reply.clear();
+            continue;
+        }
+        const bool first = result->reply.isEmpty();
+        result->reply += listen(link, wait, clock);
+        if (first)
+            result->repliedAt = clock();
+        if (!echoed)
+            echoed = takeEcho(asked.frame, &result->reply);
+        if (link->lost(*link->device))
+            return asked.replyLength > 0 && result->reply.size() == asked.replyLength;
+    }
 }
 
 } // namespace
@@ -54,24 +108,20 @@ bool send(Link* link, const Request& request, const Clock& clock)
 Exchanged exchange(Link* link, const Request& request, const Clock& clock)
 {
     Exchanged result;
-    result.discarded = discardUntilSilent(link, request, clock);
+    discardUntilSilent(link, request, clock, &result);
     result.requestedAt = clock();
     if (link->lost(*link->device) || !send(link, request, clock)) {
         result.linkLost = true;
         return result;
     }
-    const ReceiveLimits limits =
-        receiveLimits(request.frame.size(), request.replyLength, link->baud, request.timeout);
-    for (;;) {
-        const Micros now = clock();
-        const Micros wait = receiveWait(result.reply.size(), request.replyLength,
-                                        now - link->lastByteAt, now - result.requestedAt, limits);
-        if (wait == 0)
-            return result;
-        result.reply += listen(link, wait, clock);
-        if (link->lost(*link->device)) {
-            result.linkLost = true;
-            return result;
-        }
-    }
+    const Asked& asked = request.asked;
+    tap(*link, {result.requestedAt, FrameKind::Sent, asked.frame, {}, asked.remote});
+    result.repliedAt = result.requestedAt;
+    result.linkLost = !receive(link, request, clock, &result);
+    if (asked.replyLength == REPLY_NONE || result.linkLost)
+        return result;
+    const FrameKind kind = result.reply.isEmpty() ? FrameKind::NoReply : FrameKind::Reply;
+    const Micros at = result.reply.isEmpty() ? clock() : result.repliedAt;
+    tap(*link, {at, kind, result.reply, asked.frame, asked.remote});
+    return result;
 }

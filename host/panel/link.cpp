@@ -24,10 +24,12 @@ bool bringUp(Link* link, Micros now)
     QString error;
     link->device = link->open(&error);
     if (!link->device) {
+        ++link->failedTries;
         takeDown(link, error, now);
         return false;
     }
     link->backOff = 0;
+    link->failedTries = 0;
     link->lastByteAt = now;
     ++link->opened;
     return true;

@@ -54,6 +54,14 @@ bool serialLost(const QIODevice& device)
     }
 }
 
+QString serialLossText(const QIODevice& device)
+{
+    const auto& port = static_cast<const QSerialPort&>(device);
+    return QFile::exists(port.portName()) || QFile::exists(QLatin1String("/dev/") + port.portName())
+               ? port.errorString()
+               : QStringLiteral("the device is gone");
+}
+
 } // namespace
 
 Link serialLink(const SerialSettings& settings)
@@ -63,5 +71,6 @@ Link serialLink(const SerialSettings& settings)
     link.baud = settings.baud;
     link.open = [settings](QString* error) { return openSerial(settings, error); };
     link.lost = serialLost;
+    link.lossText = serialLossText;
     return link;
 }

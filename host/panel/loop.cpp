@@ -2,6 +2,8 @@
 
 #include "account.h"
 #include "callbacks.h"
+#include "station_switch.h"
+#include "write_queue.h"
 
 #include <QThread>
 
@@ -10,29 +12,11 @@ namespace
 
 constexpr unsigned long IDLE_MICROS = 20 * MICROS_PER_MILLI;
 
-void queueDueWrites(Panel* panel)
-{
-    const Micros now = panel->clock();
-    for (Write& write : panel->writes) {
-        if (write.state != WriteState::Waiting || write.due > now)
-            continue;
-        const Tag& tag = panel->tags[write.tag];
-        QString label = tag.name, address = tag.addressText;
-        QByteArray value = write.value;
-        const int queued = panel->driver.setRegisterData(
-            &label, tag.type, &address, tag.station, &value, tag.length, write.hostKey, write.tag);
-        write.state = queued > 0 ? WriteState::Queued : WriteState::Refused;
-        write.queuedAt = now;
-        note(panel,
-             QStringLiteral("write %1 %2")
-                 .arg(writeText(write, panel->tags), QLatin1String(writeStateText(write.state))));
-    }
-}
-
 void loseLink(Panel* panel)
 {
     ++panel->statistics.linkLosses;
-    takeDown(&panel->link, panel->link.device->errorString(), panel->clock());
+    const QString why = panel->link.lossText(*panel->link.device);
+    takeDown(&panel->link, why, panel->clock());
     note(panel, QStringLiteral("link to %1 lost: %2").arg(panel->link.name, panel->link.error));
 }
 
@@ -43,7 +27,6 @@ bool linkReady(Panel* panel)
     const bool first = panel->link.opened == 0;
     const QString before = panel->link.error;
     if (bringUp(&panel->link, panel->clock())) {
-        panel->unanswered = 0;
         note(panel, QStringLiteral("link to %1 %2")
                         .arg(panel->link.name,
                              first ? QStringLiteral("open") : QStringLiteral("open again")));
@@ -51,8 +34,42 @@ bool linkReady(Panel* panel)
     }
     if (panel->link.error != before)
         note(panel, QStringLiteral("cannot open %1: %2").arg(panel->link.name, panel->link.error));
-    QThread::usleep(IDLE_MICROS);
     return false;
+}
+
+Request requestFor(const Panel& panel, const Protocol& protocol)
+{
+    Request request;
+    request.asked = {protocol.frame.left(protocol.frameLength), protocol.replyLength,
+                     panel.info.remoteFraming != 0};
+    request.station = protocol.var.station;
+    request.timeout = panel.timeout;
+    request.hold = lateReplyHold(panel.late, request.asked, panel.clock());
+    request.echo = panel.echo;
+    return request;
+}
+
+/// @return false when there was nothing to do
+bool exchangeNext(Panel* panel)
+{
+    const Protocol* protocol = panel->driver.comCommunication();
+    takeDriverCallbacks(panel, nullptr);
+    if (protocol == nullptr)
+        return false;
+    // The driver's record is gone once the reply has been handed back.
+    const Request request = requestFor(*panel, *protocol);
+    Exchanged exchanged = exchange(&panel->link, request, panel->clock);
+    panel->statistics.discarded += exchanged.discarded;
+    const bool answered = request.asked.replyLength == REPLY_NONE || !exchanged.reply.isEmpty();
+    noteOutcome(&panel->late, request.asked, answered, exchanged.requestedAt, panel->timeout);
+    // The driver still holds the frame of an exchange that the link broke and gives it out again.
+    if (exchanged.linkLost) {
+        loseLink(panel);
+        return true;
+    }
+    panel->info.retryLimit = retryLimitFor(*panel, request.station);
+    takeReply(panel, request, &exchanged);
+    return true;
 }
 
 } // namespace
@@ -71,6 +88,7 @@ QString startPanel(Panel* panel)
         variable.length = tag.length;
         variables << variable;
         panel->states << initialState(tag);
+        panel->stations[tag.station] = StationWatch();
     }
     panel->blocks = panel->driver.reCreatReadVarList(&variables);
     return panel->blocks > 0 ? QString() : QStringLiteral("the driver took none of the tags");
@@ -79,36 +97,9 @@ QString startPanel(Panel* panel)
 void turn(Panel* panel)
 {
     queueDueWrites(panel);
-    if (!linkReady(panel))
-        return;
-    const Protocol* protocol = panel->driver.comCommunication();
-    takeDriverCallbacks(panel, nullptr);
-    if (protocol == nullptr) {
+    probeStations(panel);
+    if (panel->paused || !linkReady(panel) || !exchangeNext(panel))
         QThread::usleep(IDLE_MICROS);
-        return;
-    }
-    // The record is gone once the reply has been handed back.
-    const Request request = {protocol->frame.left(protocol->frameLength), protocol->replyLength,
-                             panel->timeout,
-                             lateReplyHold(panel->unanswered, protocol->frame == panel->lastFrame,
-                                           panel->clock() - panel->lastRequestAt, panel->timeout)};
-    const int station = protocol->var.station;
-    Exchanged exchanged = exchange(&panel->link, request, panel->clock);
-    panel->statistics.discarded += exchanged.discarded;
-    // The driver still holds the frame of an exchange that the link broke and gives it out again.
-    if (exchanged.linkLost)
-        return loseLink(panel);
-    if (request.frame != panel->lastFrame)
-        panel->unanswered = 0;
-    if (request.replyLength != REPLY_NONE && exchanged.reply.isEmpty())
-        ++panel->unanswered;
-    panel->lastFrame = request.frame;
-    panel->lastRequestAt = exchanged.requestedAt;
-    takeReply(panel, &exchanged, station, request.replyLength);
-    QThread::usleep(static_cast<unsigned long>(panel->delay));
-}
-
-bool stationSilent(const Panel& panel, int station)
-{
-    return !panel.link.device || panel.silentSince.contains(station);
+    else
+        QThread::usleep(static_cast<unsigned long>(panel->delay));
 }

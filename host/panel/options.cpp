@@ -1,124 +1,166 @@
 #include "options.h"
 
+#include "option_table.h"
+
 #include <QCommandLineParser>
 
 namespace
 {
 
-// clang-format off
-struct Number {
-    const char* name;
-    const char* unit;
-    const char* meaning;
-    const char* preset;
-    int lowest, highest;
+struct Reader {
+    QCommandLineParser parser;
+    QStringList errors;
+
+    QString text(const char* name) const { return parser.value(QLatin1String(name)); }
+    bool isSet(const char* name) const { return parser.isSet(QLatin1String(name)); }
+    void complain(const QString& error) { errors << error; }
 };
 
-constexpr Number BAUD     = {"baud", "BAUD", "Speed of the line", "19200", 300, 4000000};
-constexpr Number STOP     = {"stop", "BITS", "Stop bits", "1", 1, 2};
-constexpr Number TIMEOUT  = {"timeout", "MS", "Reply time-out", "300", 1, 60000};
-constexpr Number DELAY    = {"delay", "MS", "Pause after each reply", "0", 0, 60000};
-constexpr Number RETRIES  = {"retries", "N", "Failed replies before a variable is given up", "2", 0, 100};
-constexpr Number BLOCK    = {"block", "N", "Longest read in words or bytes, longest write in bytes", "60", 1, 240};
-constexpr Number DURATION = {"duration", "SECONDS", "End after this time, 0: run until interrupted", "0", 0, 1000000000};
-// clang-format on
-
-void addNumber(QCommandLineParser* parser, const Number& number)
+QString helpText(const OptionRow& row)
 {
-    parser->addOption({QLatin1String(number.name), QLatin1String(number.meaning),
-                       QLatin1String(number.unit), QLatin1String(number.preset)});
-}
-
-int takeNumber(const QCommandLineParser& parser, const Number& number, QStringList* errors)
-{
-    const QString text = parser.value(QLatin1String(number.name));
-    bool good = false;
-    const int value = text.toInt(&good);
-    if (!good || value < number.lowest || value > number.highest)
-        *errors << QStringLiteral("--%1 takes %2 to %3, not '%4'")
-                       .arg(QLatin1String(number.name))
-                       .arg(number.lowest)
-                       .arg(number.highest)
-                       .arg(text);
-    return value;
-}
-
-void takeTcp(const QString& text, Options* options, QStringList* errors)
-{
-    const int colon = text.lastIndexOf(QLatin1Char(':'));
-    options->tcpHost = text.left(colon);
-    options->tcpPort = text.mid(colon + 1).toUShort();
-    if (colon < 1 || options->tcpPort == 0)
-        *errors << QStringLiteral("--tcp takes HOST:PORT, not '%1'").arg(text);
-}
-
-void takeLink(const QCommandLineParser& parser, Options* options, QStringList* errors)
-{
-    const QString serial = QStringLiteral("serial"), tcp = QStringLiteral("tcp");
-    if (parser.isSet(serial) == parser.isSet(tcp))
-        *errors << QStringLiteral("one of --serial and --tcp is needed");
-    options->serialDevice = parser.value(serial);
-    if (parser.isSet(tcp))
-        takeTcp(parser.value(tcp), options, errors);
-    const QString parity = parser.value(QStringLiteral("parity"));
-    if (parity != QLatin1String("N") && parity != QLatin1String("E") &&
-        parity != QLatin1String("O"))
-        *errors << QStringLiteral("--parity takes N, E or O, not '%1'").arg(parity);
-    else
-        options->parity = parity.at(0).toLatin1();
+    const QString meaning = QLatin1String(row.meaning);
+    const QString preset = QLatin1String(row.preset);
+    return preset.isEmpty() ? meaning : QStringLiteral("%1 (default %2)").arg(meaning, preset);
 }
 
 void describe(QCommandLineParser* parser)
 {
     parser->setApplicationDescription(QStringLiteral(
         "Stand-in runtime: drives a controller through the driver library and shows its tags.\n"
-        "Exit status: 0 all well, 1 wrong use, 2 a write was not done or read back differently,\n"
-        "3 a tag had no fresh value at the end."));
-    parser->addPositionalArgument(QStringLiteral("TAGFILE"),
-                                  QStringLiteral("name,type,address,length,station,format"));
-    const auto option = [parser](const char* name, const char* meaning, const char* value,
-                                 const char* preset = "") {
-        parser->addOption({QLatin1String(name), QLatin1String(meaning), QLatin1String(value),
-                           QLatin1String(preset)});
-    };
-    option("library", "Driver library", "PATH");
-    option("serial", "Serial device or pseudo-terminal", "DEVICE");
-    option("tcp", "TCP peer that carries the bytes of the serial line", "HOST:PORT");
-    option("parity", "N, E or O", "LETTER", "E");
-    for (const Number& number : {BAUD, STOP, TIMEOUT, DELAY, RETRIES, BLOCK, DURATION})
-        addNumber(parser, number);
-    parser->addOption({QStringLiteral("remote"), QStringLiteral("Use the remote framing")});
-    option("summary", "Write the summary to a file as well", "FILE");
-    option("write", "Write at the start; may be repeated", "NAME=VALUE");
-    option("write-at", "Write at a time; may be repeated", "SECONDS:NAME=VALUE");
+        "Exit status: 0 all well, 1 wrong use or an unusable file, 2 a write was not done or read\n"
+        "back differently, 3 a tag had no fresh value at the end, 4 the link was down at the "
+        "end."));
+    parser->addPositionalArgument(
+        QStringLiteral("TAGFILE"),
+        QStringLiteral("Lines name,type,address,length,station,format; see the examples"));
+    for (const OptionRow& row : OPTIONS) {
+        QCommandLineOption option(QLatin1String(row.name), helpText(row));
+        option.setValueName(QLatin1String(row.unit));
+        option.setDefaultValue(QLatin1String(row.preset));
+        parser->addOption(option);
+    }
+    parser->addOption(
+        {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help")});
+}
+
+int number(Reader* reader, const char* name)
+{
+    for (const OptionRow& row : OPTIONS) {
+        if (row.kind != OptionKind::Number || QLatin1String(row.name) != QLatin1String(name))
+            continue;
+        bool good = false;
+        const int value = reader->text(name).toInt(&good);
+        if (!good || value < row.lowest || value > row.highest)
+            reader->complain(QStringLiteral("--%1 takes %2 to %3, not '%4'")
+                                 .arg(QLatin1String(name))
+                                 .arg(row.lowest)
+                                 .arg(row.highest)
+                                 .arg(reader->text(name)));
+        return value;
+    }
+    Q_UNREACHABLE();
+}
+
+void takeTcp(Reader* reader, TcpSettings* tcp)
+{
+    const QString text = reader->text("tcp");
+    const int colon = text.lastIndexOf(QLatin1Char(':'));
+    tcp->host = text.left(colon);
+    if (tcp->host.startsWith(QLatin1Char('[')) && tcp->host.endsWith(QLatin1Char(']')))
+        tcp->host = tcp->host.mid(1, tcp->host.size() - 2);
+    tcp->port = text.mid(colon + 1).toUShort();
+    if (colon < 1 || tcp->port == 0)
+        reader->complain(QStringLiteral("--tcp takes HOST:PORT, not '%1'").arg(text));
+}
+
+void takeLink(Reader* reader, Options* options)
+{
+    if (reader->isSet("serial") == reader->isSet("tcp"))
+        reader->complain(QStringLiteral("one of --serial and --tcp is needed"));
+    const int baud = number(reader, "baud");
+    const int stop = number(reader, "stop");
+    const QString parity = reader->text("parity");
+    if (parity.size() != 1 || !QStringLiteral("NEO").contains(parity))
+        reader->complain(QStringLiteral("--parity takes N, E or O, not '%1'").arg(parity));
+    else
+        options->serial = {reader->text("serial"), baud, parity.at(0).toLatin1(), stop};
+    options->timeout = number(reader, "timeout") * MICROS_PER_MILLI;
+    options->delay = number(reader, "delay") * MICROS_PER_MILLI;
+    if (reader->isSet("tcp"))
+        takeTcp(reader, &options->tcp);
+    options->tcp.baud = baud;
+    options->tcp.timeout = options->timeout;
+}
+
+void takeGoal(Reader* reader, Options* options)
+{
+    options->writes = reader->parser.values(QStringLiteral("write"));
+    options->timedWrites = reader->parser.values(QStringLiteral("write-at"));
+    options->goal.duration = number(reader, "duration") * MICROS_PER_SECOND;
+    options->goal.once = reader->isSet("once");
+    options->goal.written = !options->writes.isEmpty() && !reader->isSet("duration");
+}
+
+void takeOutput(Reader* reader, bool screenPossible, Options* options)
+{
+    const QString format = reader->text("format");
+    const bool command = options->goal.once || options->goal.written;
+    if (format == QLatin1String("json"))
+        options->output = Output::Json;
+    else if (format == QLatin1String("screen") && screenPossible)
+        options->output = Output::Screen;
+    else if (format == QLatin1String("screen"))
+        reader->complain(QStringLiteral("--format screen needs a terminal"));
+    else if (format == QLatin1String("text"))
+        options->output = command ? Output::Events : Output::Text;
+    else if (!format.isEmpty())
+        reader->complain(
+            QStringLiteral("--format takes screen, json or text, not '%1'").arg(format));
+    else if (!screenPossible)
+        options->output = Output::Json;
+    else if (command)
+        options->output = Output::Events;
+    else
+        options->output = options->trace ? Output::Text : Output::Screen;
+}
+
+Options takeOptions(Reader* reader, bool screenPossible)
+{
+    Options options;
+    const QStringList files = reader->parser.positionalArguments();
+    if (files.size() != 1)
+        reader->complain(QStringLiteral("one tag file is needed"));
+    else
+        options.tagFile = files.constFirst();
+    takeLink(reader, &options);
+    options.library = reader->text("library");
+    options.summaryFile = reader->text("summary");
+    options.pcapFile = reader->text("pcap");
+    options.retries = number(reader, "retries");
+    options.patience = number(reader, "fails");
+    options.block = number(reader, "block");
+    options.remote = reader->isSet("remote");
+    options.echo = reader->isSet("echo");
+    options.trace = reader->isSet("trace");
+    takeGoal(reader, &options);
+    takeOutput(reader, screenPossible, &options);
+    return options;
 }
 
 } // namespace
 
-QString parseOptions(const QStringList& arguments, Options* options)
+ParsedOptions parseOptions(const QStringList& arguments, bool screenPossible)
 {
-    QCommandLineParser parser;
-    describe(&parser);
-    parser.addHelpOption();
-    parser.process(arguments);
-
-    QStringList errors;
-    if (parser.positionalArguments().size() != 1)
-        errors << QStringLiteral("one tag file is needed");
-    else
-        options->tagFile = parser.positionalArguments().constFirst();
-    takeLink(parser, options, &errors);
-    options->library = parser.value(QStringLiteral("library"));
-    options->summaryFile = parser.value(QStringLiteral("summary"));
-    options->baud = takeNumber(parser, BAUD, &errors);
-    options->stopBits = takeNumber(parser, STOP, &errors);
-    options->timeout = takeNumber(parser, TIMEOUT, &errors) * MICROS_PER_MILLI;
-    options->delay = takeNumber(parser, DELAY, &errors) * MICROS_PER_MILLI;
-    options->retries = takeNumber(parser, RETRIES, &errors);
-    options->block = takeNumber(parser, BLOCK, &errors);
-    options->duration = takeNumber(parser, DURATION, &errors) * MICROS_PER_SECOND;
-    options->remote = parser.isSet(QStringLiteral("remote"));
-    options->writes = parser.values(QStringLiteral("write"));
-    options->timedWrites = parser.values(QStringLiteral("write-at"));
-    return errors.join(QLatin1Char('\n'));
+    Reader reader;
+    describe(&reader.parser);
+    ParsedOptions parsed;
+    if (!reader.parser.parse(arguments)) {
+        parsed.errors << reader.parser.errorText();
+    } else if (reader.isSet("help")) {
+        parsed.help = reader.parser.helpText();
+    } else {
+        parsed.options = takeOptions(&reader, screenPossible);
+        parsed.errors = reader.errors;
+    }
+    return parsed;
 }

@@ -1,23 +1,32 @@
 // The command line.
 #pragma once
 
-#include "timing.h"
+#include "display.h"
+#include "goal.h"
+#include "link_serial.h"
+#include "link_tcp.h"
 
 #include <QStringList>
 
 struct Options {
-    QString tagFile, library, summaryFile;
-    QString serialDevice, tcpHost;
-    quint16 tcpPort = 0;
-    int baud = 0, stopBits = 0;
-    char parity = 'E';
+    QString tagFile, library, summaryFile, pcapFile;
+    SerialSettings serial; ///< used unless a TCP host is given
+    TcpSettings tcp;
     Micros timeout = 0, delay = 0;
-    Micros duration = 0; ///< 0: until interrupted
-    int retries = 0, block = 0;
-    bool remote = false;
+    int retries = 0, block = 0, patience = 0;
+    bool remote = false, echo = false, trace = false;
     QStringList writes, timedWrites;
+    Output output = Output::Text;
+    Goal goal;
 };
 
-/// Ends the program itself for --help, --version and options it does not know.
-/// @return what is wrong, empty when nothing
-QString parseOptions(const QStringList& arguments, Options* options);
+/// Either `help`, or what is wrong in `errors`, or good options.
+struct ParsedOptions {
+    Options options;
+    QString help;
+    QStringList errors;
+};
+
+/// @param arguments the program's name first
+/// @param screenPossible standard output and input are a terminal
+ParsedOptions parseOptions(const QStringList& arguments, bool screenPossible);

@@ -1,28 +1,20 @@
-// What the panel shows while it runs: a table redrawn in place on a terminal, lines elsewhere.
+// The terminal: the picture drawn in place, keys taken as they are typed.
 #pragma once
 
-#include "loop.h"
+#include "picture.h"
 
-struct ScreenSize {
-    int rows = 0, columns = 0;
-};
+/// Whether standard output is a terminal that a picture can be drawn on.
+bool isTerminal();
 
-struct Screen {
-    bool terminal = false;
-    Rate rate;
-    Micros shownAt = NEVER;
-    int linesDrawn = 0;
-    QStringList recent; ///< the latest events
-};
+/// @return what is wrong, empty when nothing
+QString openScreen();
 
-Screen openScreen();
+/// Gives the terminal back as it was.
+void closeScreen();
 
-/// Shows the events since the last call, and the tags when it is time again.
-void showPanel(Screen* screen, Panel* panel);
+ScreenSize screenSize();
 
-QString statusLine(const Panel& panel, double scans, Micros now);
-QString tagLine(const Panel& panel, int index, Micros now);
-/// All tags in one line.
-QString compactLine(const Panel& panel, Micros now);
-/// The whole picture, no line longer and no more lines than the terminal has.
-QStringList picture(const Panel& panel, const Screen& screen, const ScreenSize& size, Micros now);
+/// The next key typed, a character or a SpecialKey; KEY_CODE_NONE when none waits. Never waits.
+int takeKey();
+
+void draw(const QVector<PictureLine>& lines);

@@ -15,6 +15,12 @@ const ResultInfo* resultInfo(int code)
     return nullptr;
 }
 
+bool isGood(int result)
+{
+    const ResultInfo* info = resultInfo(result);
+    return info != nullptr && !info->error;
+}
+
 QString resultMeaning(int code)
 {
     if (code == RESULT_RETRY)
@@ -23,14 +29,17 @@ QString resultMeaning(int code)
     return info != nullptr ? QLatin1String(info->meaning) : QStringLiteral("unknown outcome");
 }
 
-void countReply(Statistics* statistics, int result)
+void countTurn(Statistics* statistics, const Turn& turn)
 {
-    const ResultInfo* info = resultInfo(result);
-    ++statistics->turns;
-    ++(info != nullptr && !info->error ? statistics->good : statistics->failed);
-    if (result == RESULT_RETRY)
-        ++statistics->retries;
-    ++statistics->byResult[info != nullptr ? info->code : result];
+    StationCounters& station = statistics->stations[turn.station];
+    ++station.turns;
+    ++(isGood(turn.result) ? station.good : station.failed);
+    station.retries += turn.result == RESULT_RETRY ? 1 : 0;
+    station.unanswered += turn.replyExpected && turn.bytesReceived == 0 ? 1 : 0;
+    station.bytesSent += turn.bytesSent;
+    station.bytesReceived += turn.bytesReceived;
+    const ResultInfo* info = resultInfo(turn.result);
+    ++statistics->byResult[info != nullptr ? info->code : turn.result];
 }
 
 void countCallback(Statistics* statistics, const TimedCallback& callback)
@@ -45,19 +54,44 @@ void countCallback(Statistics* statistics, const TimedCallback& callback)
     statistics->callbacks << callback;
 }
 
-double scansPerSecond(qint64 cyclicReads, int blocks, Micros time)
+void countBlock(Statistics* statistics, const RW_VAR& block, bool good, Micros now)
 {
-    if (blocks < 1 || time <= 0)
-        return 0;
-    return static_cast<double>(cyclicReads) * static_cast<double>(MICROS_PER_SECOND) /
-           (static_cast<double>(blocks) * static_cast<double>(time));
+    ++(good ? statistics->blocksRead : statistics->blocksGivenUp);
+    StationCounters& station = statistics->stations[block.station];
+    const QPair<int, int> key(block.regType, block.address);
+    if (!good) {
+        station.lastRead.remove(key);
+        return;
+    }
+    if (station.lastRead.contains(key)) {
+        station.lastScan = now - station.lastRead[key];
+        addTime(&station.scans, station.lastScan);
+    }
+    station.lastRead[key] = now;
 }
 
-void updateRate(Rate* rate, qint64 cyclicReads, int blocks, Micros now)
+StationCounters totalOf(const Statistics& statistics)
+{
+    StationCounters total;
+    for (const StationCounters& station : statistics.stations) {
+        total.turns += station.turns;
+        total.good += station.good;
+        total.failed += station.failed;
+        total.unanswered += station.unanswered;
+        total.retries += station.retries;
+        total.bytesSent += station.bytesSent;
+        total.bytesReceived += station.bytesReceived;
+    }
+    return total;
+}
+
+void updateRate(Rate* rate, qint64 count, Micros now)
 {
     if (now - rate->since < MICROS_PER_SECOND)
         return;
-    rate->perSecond = scansPerSecond(cyclicReads - rate->base, blocks, now - rate->since);
+    rate->perSecond = static_cast<double>(count - rate->base) *
+                      static_cast<double>(MICROS_PER_SECOND) /
+                      static_cast<double>(now - rate->since);
     rate->since = now;
-    rate->base = cyclicReads;
+    rate->base = count;
 }

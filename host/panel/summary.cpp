@@ -1,13 +1,17 @@
 #include "summary.h"
 
-#include "screen.h"
+#include "picture.h"
+
+#include <algorithm>
 
 namespace
 {
 
-QString seconds(Micros time)
+constexpr double P99 = 0.99;
+
+QString millis(Micros time)
 {
-    return QString::number(static_cast<double>(time) / MICROS_PER_SECOND, 'f', 2);
+    return QString::number(static_cast<double>(time) / MICROS_PER_MILLI, 'f', 1);
 }
 
 QString readBackText(const Write& write)
@@ -50,7 +54,8 @@ QStringList callbackLines(const Statistics& statistics)
                                                  .arg(record.hostSubKey)
                                                  .arg(record.state)
                                            : QStringLiteral("fail key %1").arg(record.hostKey);
-        lines << QStringLiteral("  %1 s  %2: %3").arg(seconds(callback.at), kind, callback.about);
+        lines
+            << QStringLiteral("  %1 s  %2: %3").arg(secondsText(callback.at), kind, callback.about);
     }
     return lines;
 }
@@ -66,44 +71,80 @@ QStringList resultLines(const Statistics& statistics)
     return lines;
 }
 
+QString exchangeText(const StationCounters& c)
+{
+    return QStringLiteral("%1 turns, %2 good, %3 failed (%4 unanswered), %5 retries, "
+                          "%6 bytes sent, %7 received")
+        .arg(c.turns)
+        .arg(c.good)
+        .arg(c.failed)
+        .arg(c.unanswered)
+        .arg(c.retries)
+        .arg(c.bytesSent)
+        .arg(c.bytesReceived);
+}
+
+QString scanText(const Histogram& scans)
+{
+    if (scans.count == 0)
+        return QStringLiteral("no scan completed");
+    return QStringLiteral("scan min %1 ms, mean %2 ms, p99 %3 ms, max %4 ms")
+        .arg(millis(scans.smallest), millis(meanTime(scans)), millis(percentile(scans, P99)),
+             millis(scans.largest));
+}
+
+QStringList stationLines(const Statistics& statistics)
+{
+    QStringList lines;
+    for (auto it = statistics.stations.begin(); it != statistics.stations.end(); ++it)
+        lines << QStringLiteral("Station %1: %2").arg(it.key()).arg(exchangeText(*it))
+              << QStringLiteral("  ") + scanText(it->scans);
+    return lines;
+}
+
+qint64 replacedWrites(const Panel& panel)
+{
+    return std::count_if(panel.writes.begin(), panel.writes.end(),
+                         [](const Write& write) { return write.state == WriteState::Replaced; });
+}
+
 } // namespace
+
+QStringList tagTable(const Panel& panel, Micros now)
+{
+    QStringList lines = {tagHeading()};
+    for (int i = 0; i < panel.tags.size(); ++i) {
+        const double rate = static_cast<double>(panel.states[i].reads) *
+                            static_cast<double>(MICROS_PER_SECOND) /
+                            static_cast<double>(std::max(Micros{1}, now));
+        lines << tagLine(panel, i, rate, now);
+    }
+    return lines;
+}
 
 QStringList summary(const Panel& panel, Micros ran)
 {
     const Statistics& s = panel.statistics;
     QStringList lines;
-    lines << QStringLiteral(
-                 "Ran %1 s: %2 turns, %3 good replies, %4 failed, %5 retries, %6 scans/s")
-                 .arg(seconds(ran))
-                 .arg(s.turns)
-                 .arg(s.good)
-                 .arg(s.failed)
-                 .arg(s.retries)
-                 .arg(scansPerSecond(s.cyclicReads, panel.blocks, ran), 0, 'f', 1);
-    lines << resultLines(s);
-    lines << QStringLiteral("Stale bytes discarded: %1; link losses: %2")
+    lines << QStringLiteral("Ran %1 s: ").arg(secondsText(ran)) + exchangeText(totalOf(s));
+    lines << resultLines(s) << stationLines(s);
+    lines << QStringLiteral("Stray bytes discarded: %1; link losses: %2")
                  .arg(s.discarded)
                  .arg(s.linkLosses);
-    lines << QStringLiteral("Writes: %1").arg(panel.writes.size()) << writeLines(panel);
+    lines << QStringLiteral("Reads: %1 blocks received, %2 given up")
+                 .arg(s.blocksRead)
+                 .arg(s.blocksGivenUp);
+    lines << QStringLiteral("Writes: %1; replaced by newer ones: %2")
+                 .arg(panel.writes.size())
+                 .arg(replacedWrites(panel))
+          << writeLines(panel);
     lines << QStringLiteral("Callbacks: %1 finished done, %2 finished failed, %3 fail")
                  .arg(s.finishDone)
                  .arg(s.finishFailed)
                  .arg(s.fails);
     lines << callbackLines(s);
     lines << QStringLiteral("Tags at the end: %1").arg(panel.tags.size());
-    for (int i = 0; i < panel.tags.size(); ++i)
-        lines << QStringLiteral("  ") + tagLine(panel, i, ran);
+    for (const QString& line : tagTable(panel, ran))
+        lines << QStringLiteral("  ") + line;
     return lines;
-}
-
-ExitStatus exitStatus(const Panel& panel, Micros now)
-{
-    if (!writesGood(panel.writes))
-        return EXIT_WRITE_FAILED;
-    for (int i = 0; i < panel.tags.size(); ++i) {
-        const bool silent = stationSilent(panel, panel.tags[i].station);
-        if (qualityOf(panel.states[i], silent, now, panel.timeout) != Quality::Good)
-            return EXIT_NOT_FRESH;
-    }
-    return EXIT_WELL;
 }

@@ -8,7 +8,7 @@ namespace
 constexpr Micros OLDEST_GOOD = 5 * MICROS_PER_SECOND; // a value older than this needs a look
 
 // Indexed by Quality.
-constexpr const char* QUALITY_TEXTS[] = {"waiting", "good", "written", "stale", "no answer"};
+constexpr const char* QUALITY_TEXTS[] = {"waiting", "good", "written", "stale", "no answer", "off"};
 
 } // namespace
 
@@ -30,16 +30,24 @@ bool markReceived(const Tag& tag, const ImageRange& block, Micros now, TagState*
         return false;
     state->failed = false;
     state->written = false;
+    ++state->reads;
     return true;
 }
 
-bool markFailed(const Tag& tag, const ImageRange& block, TagState* state)
+bool markFailed(const Tag& tag, const ImageRange& block, Micros now, TagState* state)
 {
     const ImageRange common = commonPart(rangeOfTag(tag), block);
     if (common.first >= common.end)
         return false;
     state->failed = true;
+    state->givenUpAt = now;
     return true;
+}
+
+void takeValue(const Tag& tag, const QByteArray& raw, TagState* state)
+{
+    state->raw = raw;
+    state->value = formatValue(tag, raw);
 }
 
 Micros receivedAt(const TagState& state)
@@ -47,8 +55,11 @@ Micros receivedAt(const TagState& state)
     return *std::min_element(state.receivedAt.begin(), state.receivedAt.end());
 }
 
-Quality qualityOf(const TagState& state, bool silent, Micros now, Micros timeout)
+Quality qualityOf(const TagState& state, Presence presence, Micros now, Micros timeout)
 {
+    if (presence == Presence::Off)
+        return Quality::Off;
+    const bool silent = presence == Presence::Silent;
     if (state.written && !silent)
         return Quality::Written;
     const Micros received = receivedAt(state);

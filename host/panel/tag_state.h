@@ -7,16 +7,20 @@
 
 #include <QVector>
 
-constexpr Micros NEVER = -1;
-
 struct TagState {
     QVector<Micros> receivedAt; ///< of each byte that the tag occupies; NEVER at first
-    QString value;              ///< empty until received or written
-    bool failed = false;  ///< its block was given up, or its station silent, since it was received
-    bool written = false; ///< the value was written and has not been read since
+    QByteArray raw;      ///< the value as a host read delivers it; empty until received or written
+    QString value;       ///< the same as text
+    bool failed = false; ///< its block was given up, or its station silent, since it was received
+    Micros givenUpAt = NEVER; ///< when its block was last given up
+    bool written = false;     ///< the value was written and has not been read since
+    qint64 reads = 0;         ///< how often it was received whole
 };
 
-enum class Quality { Waiting, Good, Written, Stale, NoAnswer };
+enum class Quality { Waiting, Good, Written, Stale, NoAnswer, Off };
+
+/// What holds for a tag beside its own state.
+enum class Presence { Present, Silent, Off };
 
 TagState initialState(const Tag& tag);
 
@@ -24,12 +28,15 @@ TagState initialState(const Tag& tag);
 bool markReceived(const Tag& tag, const ImageRange& block, Micros now, TagState* state);
 
 /// Notes that a block was given up. @return true when the tag needs it
-bool markFailed(const Tag& tag, const ImageRange& block, TagState* state);
+bool markFailed(const Tag& tag, const ImageRange& block, Micros now, TagState* state);
+
+/// Takes a value, as a host read delivers it.
+void takeValue(const Tag& tag, const QByteArray& raw, TagState* state);
 
 /// When the oldest byte of the tag was received, NEVER when one is missing.
 Micros receivedAt(const TagState& state);
 
-/// @param silent nothing comes from the tag's station
-Quality qualityOf(const TagState& state, bool silent, Micros now, Micros timeout);
+/// @param presence of the tag's station
+Quality qualityOf(const TagState& state, Presence presence, Micros now, Micros timeout);
 
 const char* qualityText(Quality quality);

@@ -13,7 +13,6 @@ constexpr Micros FIXED_SILENCE = 1750;
 constexpr Micros SEGMENT_GAP = 20 * MICROS_PER_MILLI; // USB adapters and networks deliver in pieces
 constexpr int LONGEST_FRAME = 256;                    // bytes of the serial-line layout
 constexpr int RECEIVE_LIMIT = 4096;                   // bytes; endless noise ends here
-constexpr int LATE_REPLY_TIMEOUTS = 2;                // an answer later than this is not expected
 
 } // namespace
 
@@ -50,11 +49,4 @@ Micros receiveWait(int bytes, int replyLength, Micros sinceLastByte, Micros sinc
         left = std::min(left, (complete ? limits.silence : limits.gap) - sinceLastByte);
     }
     return std::max(Micros{0}, left);
-}
-
-Micros lateReplyHold(int unanswered, bool repeated, Micros sinceLastRequest, Micros timeout)
-{
-    if (unanswered == 0 || repeated)
-        return 0;
-    return std::max(Micros{0}, LATE_REPLY_TIMEOUTS * timeout - sinceLastRequest);
 }

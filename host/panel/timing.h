@@ -7,6 +7,7 @@ using Micros = qint64;
 
 constexpr Micros MICROS_PER_MILLI = 1000;
 constexpr Micros MICROS_PER_SECOND = 1000 * 1000;
+constexpr Micros NEVER = -1;
 
 /// Silence that separates two frames: 3.5 characters, 1.75 ms above 19,200 baud.
 Micros silentInterval(int baud);
@@ -27,8 +28,3 @@ ReceiveLimits receiveLimits(int requestBytes, int replyLength, int baud, Micros 
 /// listened to for the silent interval: one byte more makes it a different, wrong reply.
 Micros receiveWait(int bytes, int replyLength, Micros sinceLastByte, Micros sinceRequest,
                    const ReceiveLimits& limits);
-
-/// How long to listen, and throw away, before a frame may be sent. A request given up may still be
-/// answered, and by its looks the answer could be the next one's; a repeated frame needs no such
-/// care, since either answer is right for it.
-Micros lateReplyHold(int unanswered, bool repeated, Micros sinceLastRequest, Micros timeout);

@@ -51,13 +51,6 @@ QByteArray header(int station, int function)
     return reply;
 }
 
-QByteArray exception(int station, const Request& request, ExceptionCode code)
-{
-    QByteArray reply = header(station, request.function | EXCEPTION_FLAG);
-    appendByte(reply, code);
-    return withCrc(reply);
-}
-
 QByteArray readReply(int station, const Request& request, const QByteArray& data)
 {
     QByteArray reply = header(station, request.function);
@@ -74,23 +67,30 @@ QByteArray writeReply(int station, const Request& request, int lastField)
 }
 } // namespace
 
+QByteArray exceptionReply(int station, int function, int code)
+{
+    QByteArray reply = header(station, function | EXCEPTION_FLAG);
+    appendByte(reply, code);
+    return withCrc(reply);
+}
+
 QByteArray answer(Memory& memory, int station, const Request& request)
 {
     const Function* function = findFunction(request.function);
     if (function == nullptr)
-        return exception(station, request, ILLEGAL_FUNCTION);
+        return exceptionReply(station, request.function, ILLEGAL_FUNCTION);
 
     QBitArray* bits = bitArea(memory, function->area);
     QVector<quint16>* words = wordArea(memory, function->area);
     const int count = request.count;
     const int dataSize = bits != nullptr ? (count + 7) / 8 : 2 * count;
     if (count < 1 || count > function->limit)
-        return exception(station, request, ILLEGAL_VALUE);
+        return exceptionReply(station, request.function, ILLEGAL_VALUE);
     if (function->writes && request.data.size() != dataSize)
-        return exception(station, request, ILLEGAL_VALUE);
+        return exceptionReply(station, request.function, ILLEGAL_VALUE);
     const int areaSize = bits != nullptr ? bits->size() : words->size();
     if (request.address + count > areaSize)
-        return exception(station, request, ILLEGAL_ADDRESS);
+        return exceptionReply(station, request.function, ILLEGAL_ADDRESS);
 
     const int first = static_cast<int>(request.address);
     if (!function->writes)

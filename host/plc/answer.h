@@ -17,6 +17,9 @@ struct Request {
 inline constexpr int EXCEPTION_FLAG = 0x80;
 enum ExceptionCode { ILLEGAL_FUNCTION = 1, ILLEGAL_ADDRESS = 2, ILLEGAL_VALUE = 3 };
 
+/// The reply of a station that refuses a request.
+/// @param code an ExceptionCode or any other, 1 to 255
+QByteArray exceptionReply(int station, int function, int code);
 /// Carries the request out and returns the reply with its CRC. A request that gets an exception
 /// changes nothing.
 QByteArray answer(Memory& memory, int station, const Request& request);

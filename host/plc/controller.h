@@ -3,12 +3,15 @@
 #define PLC_CONTROLLER_H
 
 #include "answer.h"
+#include "fault_effect.h"
 #include "framer.h"
 #include "local.h"
 #include "machine.h"
 #include "remote.h"
 
 #include <QMap>
+
+#include <limits>
 
 namespace plc
 {
@@ -22,29 +25,44 @@ inline constexpr Framing REMOTE_FRAMING = {remoteFrameLength, REMOTE_STATION_OFF
 
 inline constexpr int BROADCAST_STATION = 0;
 
+inline constexpr qint64 FOREVER_MS = std::numeric_limits<qint64>::max();
+
 struct Station {
     Memory memory;
     Machine machine;
+    qint64 deadUntilMs = 0;
 };
 
 /// Requests for a station that is not here are none of ours and are not counted.
 struct Counters {
     qint64 requests = 0;
-    qint64 replies = 0;    ///< exceptions included
-    qint64 exceptions = 0; ///< illegal requests, whether replied to or broadcast
-    qint64 swallowed = 0;  ///< requests that came while deaf; not among `requests`
+    qint64 replies = 0;    ///< sent, exceptions and spoilt ones included
+    qint64 exceptions = 0; ///< requests refused, whether the refusal was sent or not
+    qint64 swallowed = 0;  ///< came while deaf, busy, babbling or dead; not among `requests`
 };
 
 struct Controller {
     Framing framing;
     QMap<int, Station> stations;
+    bool machines = true;
     Counters counters = {};
     qint64 deafUntilMs = 0;
+    FaultPlan faults = {};
 };
 
-Controller makeController(const QList<int>& stations, const Framing& framing);
-/// Carries out one checked request. @return the reply, empty when there is none
-QByteArray serve(Controller& controller, const QByteArray& frame, qint64 nowMs);
+/// What is kept of one link.
+struct Line {
+    QByteArray lastReply = {}; ///< as built for the request before, whatever became of it
+    qint64 busyUntilMs = 0;    ///< until then the link hears nothing
+};
+
+/// @param machines lets a machine run in each station; without, all memory is 0
+Controller makeController(const QList<int>& stations, const Framing& framing, bool machines = true);
+/// Carries out one checked request, as far as the faults planned let it. Broadcasts are neither
+/// counted nor hit by faults, but miss what is dead. @return what goes out, nothing where nobody
+/// heard it
+Sending serve(Controller& controller, Line& line, const QByteArray& frame, qint64 nowMs);
+/// Does nothing without machines.
 void runMachines(Controller& controller, qint64 elapsedMs);
 } // namespace plc
 

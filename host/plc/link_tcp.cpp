@@ -15,7 +15,7 @@ constexpr qint64 MAX_UNSENT_BYTES = 64 * 1024;
 
 void sendTo(QTcpSocket* client, const QByteArray& reply)
 {
-    if (client->bytesToWrite() <= MAX_UNSENT_BYTES)
+    if (client->isOpen() && client->bytesToWrite() <= MAX_UNSENT_BYTES)
         client->write(reply);
 }
 

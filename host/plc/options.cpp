@@ -1,104 +1,131 @@
 #include "options.h"
 
+#include "fault_text.h"
+#include "option_values.h"
+
 #include <QCommandLineParser>
-#include <QUrl>
 
 namespace plc
 {
 namespace
 {
-constexpr int MAX_STATION = 247;
-constexpr int MAX_DEAF_MS = 3600 * 1000;
+constexpr const char* DESCRIPTION =
+    "Simulated controller: answers a panel on a pseudo-terminal, a serial port or TCP, well or, "
+    "with --fault, badly.\n"
+    "SIGUSR1 makes it deaf for a while, SIGUSR2 saves the memory; SIGINT and SIGTERM end it.\n"
+    "Exit status: 0 ended by a signal, 1 a link or file could not be opened or written, 2 wrong "
+    "use.";
 
-QString quoted(const char* what, const QString& text)
+struct OptionText {
+    const char* name;
+    const char* value; ///< its name; null: the option takes none
+    const char* standard;
+    const char* help;
+};
+
+constexpr OptionText OPTIONS[] = {
+    {"pty", nullptr, nullptr, "Create a pseudo-terminal and print its name."},
+    {"link", "path", nullptr, "Also make a symbolic link to the pseudo-terminal (default none)."},
+    {"tcp", "host:port", nullptr,
+     "Listen on TCP, for the same bytes as on the serial line; port 0 picks a free one."},
+    {"serial", "device", nullptr, "Answer on this serial port."},
+    {"baud", "rate", "19200", "Bits per second of the serial port (default 19200)."},
+    {"parity", "letter", "E", "Parity of the serial port: N, E or O (default E)."},
+    {"stop", "bits", "1", "Stop bits of the serial port, 1 or 2 (default 1)."},
+    {"stations", "numbers", "1,2", "Station numbers, 1 to 247 (default 1,2)."},
+    {"remote", nullptr, nullptr, "Use the remote framing (default: the local one)."},
+    {"deaf-ms", "ms", "1000",
+     "How long SIGUSR1 makes the controller deaf, in milliseconds (default 1000)."},
+    {"no-machine", nullptr, nullptr,
+     "Leave out the machine that lives in each station's memory (default: it runs)."},
+    {"load", "file", nullptr, "Load the memory from this file at the start (default: none)."},
+    {"save", "file", nullptr,
+     "Save the memory to this file at the end and on SIGUSR2 (default: none)."},
+    {"seed", "number", "1", "Seed of the faults by chance, 0 to 4294967295 (default 1)."},
+};
+
+constexpr const char* FAULT = "fault";
+
+QString faultHelp()
 {
-    return QLatin1String(what) + QLatin1String(" \"") + text + QLatin1Char('"');
+    return QStringLiteral(
+               "A fault, KIND[:PARAMETER]@WHEN[=STATION], given any number of times (default "
+               "none). KIND: %1. PARAMETER: milliseconds, bytes, an exception code or a station. "
+               "WHEN: 5% by chance, 7 or 7,9 these requests, 7+ from that one on, /7 every 7th.")
+        .arg(faultNames());
 }
 
-QString parseStations(const QString& text, QList<int>& stations)
+void addOptions(QCommandLineParser& parser)
 {
-    for (const QString& part : text.split(QLatin1Char(','))) {
-        bool isNumber = false;
-        const int station = part.toInt(&isNumber);
-        if (!isNumber || station < 1 || station > MAX_STATION)
-            return quoted("--stations takes numbers from 1 to 247 and commas, not", text);
-        if (!stations.contains(station))
-            stations.append(station);
-    }
+    for (const OptionText& option : OPTIONS)
+        parser.addOption({QLatin1String(option.name), QLatin1String(option.help),
+                          QLatin1String(option.value), QLatin1String(option.standard)});
+    parser.addOption({QLatin1String(FAULT), faultHelp(), QLatin1String(FAULT)});
+    parser.addOption({{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this.")});
+}
+
+/// @return what is wrong about which options are given
+QString wrongUse(const QCommandLineParser& parser)
+{
+    const auto isSet = [&parser](const char* name) { return parser.isSet(QLatin1String(name)); };
+    if (!parser.positionalArguments().isEmpty())
+        return quoted(QStringLiteral("unexpected argument"),
+                      parser.positionalArguments().constFirst());
+    if (!isSet("pty") && !isSet("tcp") && !isSet("serial"))
+        return QStringLiteral("give --pty, --tcp, --serial, or several of them");
+    for (const OptionText& option : OPTIONS)
+        if (isSet(option.name) && option.value != nullptr &&
+            parser.value(QLatin1String(option.name)).isEmpty())
+            return QStringLiteral("--%1 takes a value").arg(QLatin1String(option.name));
+    if (isSet("link") && !isSet("pty"))
+        return QStringLiteral("--link needs --pty");
+    for (const char* name : {"baud", "parity", "stop"})
+        if (isSet(name) && !isSet("serial"))
+            return QStringLiteral("--%1 needs --serial").arg(QLatin1String(name));
     return {};
 }
 
-QString parseTcp(const QString& text, Options& options)
+/// @return the first thing wrong about the values
+QString takeValues(const QCommandLineParser& parser, Options& options)
 {
-    QUrl url;
-    url.setAuthority(text, QUrl::StrictMode);
-    if (url.host().isEmpty() || url.port() < 0 || !url.userInfo().isEmpty())
-        return quoted("--tcp takes HOST:PORT, not", text);
-    options.tcpHost = url.host();
-    options.tcpPort = static_cast<quint16>(url.port());
-    return {};
-}
-
-QString parseDeafMs(const QString& text, int& deafMs)
-{
-    bool isNumber = false;
-    deafMs = text.toInt(&isNumber);
-    if (!isNumber || deafMs < 1 || deafMs > MAX_DEAF_MS)
-        return quoted("--deaf-ms takes milliseconds from 1 to 3600000, not", text);
+    const auto isSet = [&parser](const char* name) { return parser.isSet(QLatin1String(name)); };
+    const auto value = [&parser](const char* name) { return parser.value(QLatin1String(name)); };
+    options.pty = isSet("pty");
+    options.linkPath = value("link");
+    options.remote = isSet("remote");
+    options.machine = !isSet("no-machine");
+    options.loadPath = value("load");
+    options.savePath = value("save");
+    options.serial.device = value("serial");
+    for (const QString& error :
+         {parseStations(value("stations"), options.stations),
+          parseDeafMs(value("deaf-ms"), options.deafMs),
+          isSet("tcp") ? parseTcp(value("tcp"), options) : QString(),
+          parseBaud(value("baud"), options.serial.baud),
+          parseParity(value("parity"), options.serial.parity),
+          parseStopBits(value("stop"), options.serial.stopBits),
+          parseSeed(value("seed"), options.seed),
+          parseFaults(parser.values(QLatin1String(FAULT)), options.stations, options.faults)})
+        if (!error.isEmpty())
+            return error;
     return {};
 }
 } // namespace
 
 ParsedOptions parseOptions(const QStringList& arguments)
 {
-    const auto text = [](const char* latin1) { return QString::fromLatin1(latin1); };
-    const QCommandLineOption pty(text("pty"), text("Create a pseudo-terminal and print its name."));
-    const QCommandLineOption link(
-        text("link"), text("Also make a symbolic link to the pseudo-terminal."), text("path"));
-    const QCommandLineOption tcp(text("tcp"),
-                                 text("Listen on TCP, for the same bytes as on the serial line; "
-                                      "port 0 picks a free one."),
-                                 text("host:port"));
-    const QCommandLineOption stations(text("stations"),
-                                      text("Station numbers, 1 to 247 (default 1,2)."),
-                                      text("numbers"), text("1,2"));
-    const QCommandLineOption remote(text("remote"),
-                                    text("Use the remote framing instead of the local one."));
-    const QCommandLineOption deaf(text("deaf-ms"),
-                                  text("How long SIGUSR1 makes the controller deaf, in "
-                                       "milliseconds (default 1000)."),
-                                  text("ms"), text("1000"));
-    const QCommandLineOption help({text("h"), text("help")}, text("Show this help."));
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        text("Simulated controller: answers a panel on a pseudo-terminal or on TCP.\n"
-             "SIGUSR1 makes it deaf for a while; SIGINT and SIGTERM end it."));
-    parser.addOptions({pty, link, tcp, stations, remote, deaf, help});
-
+    parser.setApplicationDescription(QLatin1String(DESCRIPTION));
+    addOptions(parser);
     ParsedOptions result;
-    Options& options = result.options;
-    const bool known = parser.parse(arguments);
-    if (!known)
+    if (!parser.parse(arguments))
         result.error = parser.errorText();
-    else if (parser.isSet(help))
+    else if (parser.isSet(QStringLiteral("help")))
         result.help = parser.helpText();
-    else if (!parser.positionalArguments().isEmpty())
-        result.error = quoted("unexpected argument", parser.positionalArguments().constFirst());
-    else if (!parser.isSet(pty) && !parser.isSet(tcp))
-        result.error = text("give --pty, --tcp, or both");
-    else if (parser.isSet(link) && !parser.isSet(pty))
-        result.error = text("--link needs --pty");
-    if (!result.error.isEmpty() || !result.help.isEmpty())
-        return result;
-
-    options.pty = parser.isSet(pty);
-    options.linkPath = parser.value(link);
-    options.remote = parser.isSet(remote);
-    result.error = parseStations(parser.value(stations), options.stations);
-    if (result.error.isEmpty())
-        result.error = parseDeafMs(parser.value(deaf), options.deafMs);
-    if (result.error.isEmpty() && parser.isSet(tcp))
-        result.error = parseTcp(parser.value(tcp), options);
+    else
+        result.error = wrongUse(parser);
+    if (result.error.isEmpty() && result.help.isEmpty())
+        result.error = takeValues(parser, result.options);
     return result;
 }
 } // namespace plc

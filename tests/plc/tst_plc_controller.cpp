@@ -1,6 +1,7 @@
 // Bytes in, replies out: the traces in the text files, and what traces do not show.
 #include "frames.h"
 #include "plc/controller.h"
+#include "plc/fault_text.h"
 
 #include <QDir>
 #include <QtTest>
@@ -49,7 +50,7 @@ private slots:
     void traces_data()
     {
         QTest::addColumn<QByteArray>("trace");
-        for (const char* name : {"framing.txt", "requests.txt", "machine.txt"}) {
+        for (const char* name : {"framing.txt", "requests.txt", "machine.txt", "faults.txt"}) {
             QFile file(QDir(QStringLiteral(KP410_PLC_TRACES)).filePath(QLatin1String(name)));
             if (!file.open(QIODevice::ReadOnly))
                 qFatal("cannot read %s", name);
@@ -67,13 +68,16 @@ private slots:
         Controller controller =
             trace.startsWith("machine:") ? makeController({1, 2}, framing) : filled(framing);
         Framer framer;
+        Line link;
+        QList<Fault> faults;
         qint64 nowMs = 0;
         QList<QByteArray> expected;
         QList<QByteArray> seen;
         const auto serveAll = [&](const QList<QByteArray>& frames) {
             for (const QByteArray& frame : frames) {
                 const Controller before = controller;
-                const QByteArray reply = serve(controller, frame, nowMs);
+                const Sending sending = serve(controller, link, frame, nowMs);
+                const QByteArray reply = sending.echo + sending.noise + sending.reply;
                 const bool same = sameMemory(before, controller);
                 if (!same || !reply.isEmpty())
                     seen += (same ? "< " : "<! ") + reply.toHex(' ');
@@ -85,6 +89,12 @@ private slots:
         };
         for (const QByteArray& line : trace.split('\n').mid(1)) {
             const QByteArray mark = line.split(' ').first();
+            if (mark == "fault") {
+                const ParsedFault parsed = parseFault(QString::fromLatin1(line.mid(6)));
+                QVERIFY2(parsed.expected.isEmpty(), qPrintable(parsed.expected));
+                controller.faults = makeFaultPlan(faults << parsed.fault, 1);
+                continue;
+            }
             const QByteArray data = bytes(line.mid(mark.size()));
             expected += mark + ' ' + data.toHex(' ');
             if (mark.startsWith('<'))
@@ -141,7 +151,8 @@ private slots:
             const QByteArray at = QByteArray::number(address, 16).rightJustified(4, '0');
             for (const QByteArray& frame :
                  {bytes("01 35" + at + " 01 FF00 +"), bytes("01 35" + at + " 00 0000 +"),
-                  bytes("01 04" + at + " 0001 +")}) {
+                  bytes("01 35" + at + " 0107 FF00 +"), bytes("01 35" + at + " 0000 0000 +"),
+                  bytes("01 35" + at + " 01FF 0000 +"), bytes("01 04" + at + " 0001 +")}) {
                 Framer framer;
                 QList<QByteArray> seen;
                 for (int i = 0; i < frame.size(); ++i)
@@ -156,11 +167,13 @@ private slots:
     {
         Controller controller = filled(LOCAL_FRAMING);
         controller.deafUntilMs = 1000;
-        QCOMPARE(serve(controller, bytes("01 06 000A 1234 +"), 999), QByteArray());
-        QCOMPARE(serve(controller, bytes("01 03 000A 0001 +"), 1000), bytes("01 03 02 0000 +"));
+        Line link;
+        QCOMPARE(serve(controller, link, bytes("01 06 000A 1234 +"), 999).reply, QByteArray());
+        QCOMPARE(serve(controller, link, bytes("01 03 000A 0001 +"), 1000).reply,
+                 bytes("01 03 02 0000 +"));
         for (const char* frame :
              {"02 04 0000 0001 +", "00 06 000A 1234 +", "00 04 0000 0001 +", "03 03 0000 0001 +"})
-            serve(controller, bytes(frame), 1000);
+            serve(controller, link, bytes(frame), 1000);
         const Counters& counters = controller.counters;
         QCOMPARE((QList<qint64>{counters.requests, counters.replies, counters.exceptions,
                                 counters.swallowed}),

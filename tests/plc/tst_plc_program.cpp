@@ -1,45 +1,19 @@
 // The program itself, over its links, asked by a Modbus master that is not ours.
 #include "frames.h"
 #include "plc/machine.h"
+#include "plc_links.h"
 
 #include <QFileInfo>
-#include <QProcess>
-#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <array>
-#include <cerrno>
-#include <csignal>
 #include <fcntl.h>
-#include <memory>
-#include <modbus.h>
 #include <termios.h>
 #include <unistd.h>
 
 namespace
 {
-constexpr int WAIT_MS = 5000;
-constexpr unsigned REPLY_TIMEOUT_US = 300 * 1000;
-using Master = std::unique_ptr<modbus_t, decltype(&modbus_free)>;
-
-Master connectMaster(const QByteArray& terminal, int station)
-{
-    Master master(modbus_new_rtu(terminal.constData(), 115200, 'N', 8, 1), &modbus_free);
-    modbus_set_slave(master.get(), station);
-    modbus_set_response_timeout(master.get(), 0, REPLY_TIMEOUT_US);
-    if (modbus_connect(master.get()) != 0)
-        qFatal("cannot open %s: %s", terminal.constData(), modbus_strerror(errno));
-    return master;
-}
-
-/// The word at `address`, or -errno.
-int readWord(const Master& master, int address)
-{
-    uint16_t value = 0;
-    return modbus_read_registers(master.get(), address, 1, &value) == 1 ? value : -errno;
-}
-
 bool isRaw(const QByteArray& terminal)
 {
     const int descriptor = ::open(terminal.constData(), O_RDWR | O_NOCTTY);
@@ -48,45 +22,6 @@ bool isRaw(const QByteArray& terminal)
     ::close(descriptor);
     return known && (settings.c_lflag & (ICANON | ECHO)) == 0;
 }
-
-class Plc
-{
-public:
-    explicit Plc(const QByteArray& options)
-    {
-        m_process.start(
-            QLatin1String(KP410_PLC_PROGRAM),
-            QString::fromLocal8Bit(options).split(QLatin1Char(' '), Qt::SkipEmptyParts));
-    }
-    ~Plc()
-    {
-        m_process.kill();
-        m_process.waitForFinished();
-    }
-    /// The next whole line.
-    QByteArray line(QProcess::ProcessChannel channel)
-    {
-        m_process.setReadChannel(channel);
-        while (!m_process.canReadLine() && m_process.waitForReadyRead(WAIT_MS))
-            ;
-        return m_process.readLine().trimmed();
-    }
-    QByteArray announced(const char* link)
-    {
-        const QByteArray text = line(QProcess::StandardOutput);
-        return text.startsWith(link) ? text.mid(4) : QByteArray();
-    }
-    QByteArray reported() { return line(QProcess::StandardError); }
-    void send(int signalNumber) { ::kill(static_cast<pid_t>(m_process.processId()), signalNumber); }
-    int exitCode()
-    {
-        m_process.waitForFinished(WAIT_MS);
-        return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
-    }
-
-private:
-    QProcess m_process;
-};
 } // namespace
 
 class ProgramTest : public QObject
@@ -153,37 +88,114 @@ private slots:
     void servesTcpClients()
     {
         Plc plc("--tcp 127.0.0.1:0 --remote");
-        const QUrl address(QLatin1String("//") + QString::fromLatin1(plc.announced("tcp")));
-        const auto ask = [&address](QTcpSocket& client, const QByteArray& request) {
-            if (client.state() == QTcpSocket::UnconnectedState)
-                client.connectToHost(address.host(), static_cast<quint16>(address.port()));
-            client.waitForConnected(WAIT_MS);
-            client.write(request);
-            client.waitForReadyRead(WAIT_MS);
-            return client.readAll().toHex(' ');
-        };
+        const QByteArray address = plc.announced("tcp");
         const QByteArray write = bytes("07 01 01 01 0008 0000000A 0001 00000000 00000000 3412 ~");
         const QByteArray read = bytes("07 00 01 01 0008 0000000A 0001 00000000 00000000 ~");
         const QByteArray held = bytes("01 03 02 1234 +").toHex(' ');
-        QTcpSocket stays;
-        QCOMPARE(ask(stays, write), bytes("01 10 000A 0001 +").toHex(' '));
+        Client stays(address);
+        stays.ask(write);
+        QCOMPARE(stays.take(8), bytes("01 10 000A 0001 +").toHex(' '));
         {
-            QTcpSocket leaves;
-            QCOMPARE(ask(leaves, read), held);
-            leaves.write(read.left(5));
-            leaves.waitForBytesWritten(WAIT_MS);
+            Client leaves(address);
+            leaves.ask(read);
+            QCOMPARE(leaves.take(7), held);
+            leaves.ask(read.left(5));
         }
-        QCOMPARE(ask(stays, read), held);
+        stays.ask(read);
+        QCOMPARE(stays.take(7), held);
+    }
+
+    void servesASerialPort()
+    {
+        const Terminal line;
+        Plc plc("--serial " + line.name() + " --parity N --tcp 127.0.0.1:0");
+        Client client(plc.announced("tcp"));
+        QCOMPARE(plc.announced("serial"), line.name());
+        line.write(bytes("01 06 03E8 1234 +"));
+        QCOMPARE(line.read(8), bytes("01 06 03E8 1234 +").toHex(' '));
+        client.ask(bytes("01 03 03E8 0001 +"));
+        QCOMPARE(client.take(7), bytes("01 03 02 1234 +").toHex(' '));
+    }
+
+    void aLostSerialPortEndsIt()
+    {
+        auto line = std::make_unique<Terminal>();
+        const QByteArray name = line->name();
+        Plc plc("--serial " + name);
+        QCOMPARE(plc.announced("serial"), name);
+        line.reset();
+        QCOMPARE(plc.exitCode(), 1);
+        QCOMPARE(plc.reported(), "kp410-plc: " + name + " is lost");
+    }
+
+    void memoryOutlivesTheProgram()
+    {
+        const QTemporaryDir directory;
+        const QByteArray path = directory.filePath(QStringLiteral("image")).toLocal8Bit();
+        const auto saved = [&path] {
+            QFile file(QString::fromLocal8Bit(path));
+            return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("not readable");
+        };
+        {
+            Plc plc("--pty --no-machine --save " + path);
+            const Master master = connectMaster(plc.announced("pty"), 2);
+            QCOMPARE(modbus_write_register(master.get(), 101, 700), 1);
+            plc.send(SIGUSR2);
+            QCOMPARE(plc.reported(), "kp410-plc: saved " + path);
+            QVERIFY(saved().endsWith("\n2 memory 101 = 700\n"));
+            QCOMPARE(modbus_write_register(master.get(), 101, 701), 1);
+            plc.send(SIGINT);
+            QCOMPARE(plc.exitCode(), 0);
+            QVERIFY(saved().endsWith("\n2 memory 101 = 701\n"));
+        }
+        // The machine keeps what it does not write itself, here the setpoint.
+        Plc plc("--pty --load " + path);
+        const Master master = connectMaster(plc.announced("pty"), 2);
+        QCOMPARE(readWord(master, plc::MW_SETPOINT), 701);
+        QTRY_VERIFY(readWord(master, plc::MW_CYCLES) > 0);
+        plc.send(SIGUSR2);
+        QCOMPARE(plc.reported(), QByteArray("kp410-plc: nothing saved: --save FILE says where"));
+    }
+
+    void unsavedMemoryIsAFailure()
+    {
+        QTemporaryDir directory;
+        const QByteArray path = directory.filePath(QStringLiteral("image")).toLocal8Bit();
+        Plc plc("--pty --save " + path);
+        QVERIFY(!plc.announced("pty").isEmpty());
+        QVERIFY(directory.remove());
+        plc.send(SIGTERM);
+        QCOMPARE(plc.exitCode(), 1);
+        QVERIFY(plc.reported().startsWith("kp410-plc: cannot save " + path + ": "));
+    }
+
+    void wrongImagesEndIt()
+    {
+        const QTemporaryDir directory;
+        QFile file(directory.filePath(QStringLiteral("image")));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("1 memory 1 = x\n\n9 input 1 = 1\n"));
+        file.close();
+        const QByteArray path = file.fileName().toLocal8Bit();
+        Plc plc("--pty --load " + path);
+        QCOMPARE(plc.exitCode(), 2);
+        QVERIFY(plc.reported().startsWith("kp410-plc: " + path + ":1:14: expected a word, "));
+        QVERIFY(plc.reported().startsWith("kp410-plc: " + path + ":3:1: expected a station, "));
+        QCOMPARE(plc.announced("pty"), QByteArray());
     }
 
     void options_data()
     {
         QTest::addColumn<int>("exitCode");
-        for (const char* wrong : {"", "--pty --bogus", "--pty stray",
-                                  "--tcp 127.0.0.1:0 --link /tmp/none", "--pty --stations 1,0",
-                                  "--pty --stations 1,,", "--pty --deaf-ms 0", "--tcp 127.0.0.1"})
+        for (const char* wrong :
+             {"", "--pty --bogus", "--pty stray", "--tcp 127.0.0.1:0 --link /nowhere/line",
+              "--pty --stations 1,0", "--pty --stations 1,,", "--pty --deaf-ms 0",
+              "--tcp 127.0.0.1", "--pty --baud 9600", "--serial /dev/null --baud 49",
+              "--serial /dev/null --parity e", "--serial /dev/null --stop 3", "--pty --seed -1",
+              "--pty --fault crcc@1", "--pty --fault crc@1=3", "--pty --load="})
             QTest::newRow(wrong) << 2;
-        for (const char* impossible : {"--pty --link /nowhere/line", "--tcp 192.0.2.1:0"})
+        for (const char* impossible :
+             {"--pty --link /nowhere/line", "--tcp 192.0.2.1:0", "--serial /nowhere",
+              "--serial /dev/null", "--pty --load /nowhere/image", "--pty --save /nowhere/image"})
             QTest::newRow(impossible) << 1;
         QTest::newRow("--help") << 0;
     }

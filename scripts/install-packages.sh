@@ -14,7 +14,7 @@ demo) ;;
 tests)
     packages+=(clang clang-format clang-tidy libclang-rt-14-dev pkg-config binutils)
     # Peers of the programs, and what looks at them as a person does.
-    packages+=(libmodbus-dev python3-pymodbus mbpoll tshark tmux mandoc)
+    packages+=(libmodbus-dev python3-pymodbus python3-serial-asyncio mbpoll tshark tmux mandoc)
     ;;
 *) usage ;;
 esac

@@ -101,27 +101,39 @@ void takeGoal(Reader* reader, Options* options)
     options->goal.written = !options->writes.isEmpty() && !reader->isSet("duration");
 }
 
+struct FormatName {
+    const char* name;
+    Output run, command; ///< of a run, and of a command that ends by itself
+};
+
+constexpr FormatName FORMAT_NAMES[] = {
+    {"screen", Output::Screen, Output::Screen},
+    {"json", Output::Json, Output::Json},
+    {"text", Output::Text, Output::Events},
+};
+
+QString usualFormat(bool screenPossible, bool plain)
+{
+    if (!screenPossible)
+        return QStringLiteral("json");
+    return plain ? QStringLiteral("text") : QStringLiteral("screen");
+}
+
 void takeOutput(Reader* reader, bool screenPossible, Options* options)
 {
-    const QString format = reader->text("format");
     const bool command = options->goal.once || options->goal.written;
-    if (format == QLatin1String("json"))
-        options->output = Output::Json;
-    else if (format == QLatin1String("screen") && screenPossible)
-        options->output = Output::Screen;
-    else if (format == QLatin1String("screen"))
-        reader->complain(QStringLiteral("--format screen needs a terminal"));
-    else if (format == QLatin1String("text"))
-        options->output = command ? Output::Events : Output::Text;
-    else if (!format.isEmpty())
-        reader->complain(
-            QStringLiteral("--format takes screen, json or text, not '%1'").arg(format));
-    else if (!screenPossible)
-        options->output = Output::Json;
-    else if (command)
-        options->output = Output::Events;
-    else
-        options->output = options->trace ? Output::Text : Output::Screen;
+    const QString name = reader->isSet("format")
+                             ? reader->text("format")
+                             : usualFormat(screenPossible, command || options->trace);
+    for (const FormatName& format : FORMAT_NAMES) {
+        if (name != QLatin1String(format.name))
+            continue;
+        options->output = command ? format.command : format.run;
+        if (options->output == Output::Screen && !screenPossible)
+            reader->complain(QStringLiteral("--format screen needs a terminal"));
+        return;
+    }
+    reader->complain(QStringLiteral("--format takes screen, json or text, not '%1'").arg(name));
 }
 
 Options takeOptions(Reader* reader, bool screenPossible)

@@ -23,7 +23,7 @@ QStringList wrapped(const QStringList& texts, int columns)
 
 bool isAlert(Quality quality)
 {
-    return quality == Quality::Stale || quality == Quality::NoAnswer;
+    return quality == Quality::Stale || quality == Quality::Failed || quality == Quality::NoAnswer;
 }
 
 void addTable(const Panel& panel, View* view, int rows, Micros now, QVector<PictureLine>* lines)

@@ -8,7 +8,8 @@ namespace
 constexpr Micros OLDEST_GOOD = 5 * MICROS_PER_SECOND; // a value older than this needs a look
 
 // Indexed by Quality.
-constexpr const char* QUALITY_TEXTS[] = {"waiting", "good", "written", "stale", "no answer", "off"};
+constexpr const char* QUALITY_TEXTS[] = {"waiting", "good",      "written", "stale",
+                                         "failed",  "no answer", "off"};
 
 } // namespace
 
@@ -63,8 +64,10 @@ Quality qualityOf(const TagState& state, Presence presence, Micros now, Micros t
     if (state.written && !silent)
         return Quality::Written;
     const Micros received = receivedAt(state);
+    if (received == NEVER && silent)
+        return Quality::NoAnswer;
     if (received == NEVER)
-        return state.failed || silent ? Quality::NoAnswer : Quality::Waiting;
+        return state.failed ? Quality::Failed : Quality::Waiting;
     const Micros age = now - received;
     if (state.failed || age > OLDEST_GOOD || (silent && age > timeout))
         return Quality::Stale;

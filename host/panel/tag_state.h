@@ -17,7 +17,7 @@ struct TagState {
     qint64 reads = 0;         ///< how often it was received whole
 };
 
-enum class Quality { Waiting, Good, Written, Stale, NoAnswer, Off };
+enum class Quality { Waiting, Good, Written, Stale, Failed, NoAnswer, Off };
 
 /// What holds for a tag beside its own state.
 enum class Presence { Present, Silent, Off };

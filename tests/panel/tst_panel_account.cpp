@@ -2,8 +2,8 @@
 #include "account.h"
 #include "callbacks.h"
 #include "cases.h"
-#include "screen.h"
-#include "summary.h"
+#include "goal.h"
+#include "picture.h"
 #include "tag_file.h"
 
 class PanelAccount : public QObject
@@ -25,6 +25,11 @@ char stored = 1;
 
 void play(Panel* panel, const QList<QByteArray>& event)
 {
+    Exchanged exchanged;
+    exchanged.requestedAt = panel->clock();
+    Request request;
+    request.asked.replyLength = REPLY_ANY;
+    request.station = 1;
     if (event[0] == "finish") {
         recordFinish(0, panel->writes[event[1].toInt() - 1].hostKey, event[2] == "w",
                      event[3].toInt());
@@ -37,12 +42,11 @@ void play(Panel* panel, const QList<QByteArray>& event)
         record.address = FIRST_WORD + (event[3] == "w");
         record.length = event[3].size();
         panel->info.framesDone = event[4].toInt();
-        Exchanged reply{false, "any", 0, 0};
-        takeReply(panel, &reply, 1, REPLY_ANY);
+        exchanged.reply = "any";
+        takeReply(panel, request, &exchanged);
     } else if (event[0] == "silence") {
         record.result = RESULT_RETRY;
-        Exchanged nothing;
-        takeReply(panel, &nothing, 1, REPLY_ANY);
+        takeReply(panel, request, &exchanged);
     } else {
         QCOMPARE(addWrite(text(event[0]), false, panel->tags, &panel->writes), QString());
         panel->writes.last().state = WriteState::Queued;
@@ -58,8 +62,8 @@ QString outcome(const Panel& panel)
         writes << text(writeStateText(write.state)) + text(readBacks[int(write.readBack)]);
     return text("%1; %2; exit %3, %4 reads, %5 notes")
         .arg(compactLine(panel, panel.clock()), writes.join(text(", ")))
-        .arg(exitStatus(panel, panel.clock()))
-        .arg(panel.statistics.cyclicReads)
+        .arg(exitStatus(panel, Goal(), panel.clock()))
+        .arg(panel.statistics.blocksRead + panel.statistics.blocksGivenUp)
         .arg(panel.events.size());
 }
 

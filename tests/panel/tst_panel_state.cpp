@@ -4,6 +4,8 @@
 #include "tag_file.h"
 #include "tag_state.h"
 
+#include <cmath>
+
 class PanelState : public QObject
 {
     Q_OBJECT
@@ -14,6 +16,8 @@ private slots:
     void quality();
     void results_data() { addCases(); }
     void results();
+    void percentiles();
+    void scans();
 };
 
 namespace
@@ -42,7 +46,7 @@ void PanelState::coverage()
     for (const QByteArray& step : parts(in[1], ',')) {
         QList<QByteArray> words = step.split(' ');
         const bool failed = words[0] == "!";
-        const bool concerned = failed ? markFailed(tag, block(words.mid(1)), &state)
+        const bool concerned = failed ? markFailed(tag, block(words.mid(1)), 0, &state)
                                       : markReceived(tag, block(words), out.size() + 1, &state);
         out << (concerned ? QString::number(receivedAt(state)) : text("-")) +
                    text(state.failed ? "!" : "");
@@ -57,8 +61,11 @@ void PanelState::quality()
     state.receivedAt = {in[0] == "never" ? NEVER : in[0].toInt() * MICROS_PER_MILLI};
     state.failed = in[1].contains("failed");
     state.written = in[1].contains("written");
-    const Quality quality = qualityOf(state, in[1].contains("silent"), 10000 * MICROS_PER_MILLI,
-                                      300 * MICROS_PER_MILLI);
+    const Presence presence = in[1].contains("off")      ? Presence::Off
+                              : in[1].contains("silent") ? Presence::Silent
+                                                         : Presence::Present;
+    const Quality quality =
+        qualityOf(state, presence, 10000 * MICROS_PER_MILLI, 300 * MICROS_PER_MILLI);
     QTEST(text(qualityText(quality)), "expected");
 }
 
@@ -66,15 +73,61 @@ void PanelState::results()
 {
     const int code = given(1)[0].toInt();
     Statistics counted;
-    countReply(&counted, code);
+    countTurn(&counted, {1, code, 8, 7});
+    const StationCounters total = totalOf(counted);
     QCOMPARE(counted.byResult.size(), 1);
     QTEST(text("%1, %2 good, %3 failed, %4 retries: %5")
               .arg(counted.byResult.firstKey())
-              .arg(counted.good)
-              .arg(counted.failed)
-              .arg(counted.retries)
+              .arg(total.good)
+              .arg(total.failed)
+              .arg(total.retries)
               .arg(resultMeaning(code)),
           "expected");
+}
+
+void PanelState::percentiles()
+{
+    // Times of all sizes, against the sorted list of them.
+    QRandomGenerator random(5);
+    Histogram histogram;
+    QVector<Micros> times;
+    for (int i = 0; i < 5000; ++i) {
+        times << static_cast<Micros>(random.generate64() >> random.bounded(23, 64));
+        addTime(&histogram, times.last());
+    }
+    std::sort(times.begin(), times.end());
+    QCOMPARE(histogram.smallest, times.first());
+    QCOMPARE(histogram.largest, times.last());
+    for (const double share : {0.0, 0.01, 0.5, 0.9, 0.99, 1.0}) {
+        const int rank = qMax(1, int(std::ceil(share * times.size())));
+        const double exact = static_cast<double>(times[rank - 1]);
+        const auto found = static_cast<double>(percentile(histogram, share));
+        QVERIFY2(found >= exact && found <= 1.032 * exact,
+                 qPrintable(text("%1: %2 for %3").arg(share).arg(found).arg(exact)));
+    }
+    QCOMPARE(percentile(Histogram(), 0.5), Micros(0));
+}
+
+void PanelState::scans()
+{
+    // Two blocks of a station; one is given up once, which ends its run of scans.
+    Statistics statistics;
+    RW_VAR a, b;
+    a.station = b.station = 4;
+    b.address = 7;
+    countBlock(&statistics, a, true, 1000);
+    countBlock(&statistics, b, true, 1010);
+    countBlock(&statistics, a, true, 1030);
+    countBlock(&statistics, b, false, 1040);
+    countBlock(&statistics, a, true, 1070);
+    countBlock(&statistics, b, true, 9000);
+    const Histogram& scans = statistics.stations[4].scans;
+    QCOMPARE(scans.count, 2);
+    QCOMPARE(scans.smallest, Micros(30));
+    QCOMPARE(scans.largest, Micros(40));
+    QCOMPARE(meanTime(scans), Micros(35));
+    QCOMPARE(statistics.blocksRead, 5);
+    QCOMPARE(statistics.blocksGivenUp, 1);
 }
 
 QTEST_APPLESS_MAIN(PanelState)

@@ -1,7 +1,9 @@
-// The times of the line: silent interval, end of a reply, late replies, back-off.
+// The times of the line: silent interval, end of a reply, late replies, back-off of a link that is
+// down and of a station that does not answer.
 #include "cases.h"
+#include "late_replies.h"
 #include "link.h"
-#include "timing.h"
+#include "stations.h"
 
 class PanelTiming : public QObject
 {
@@ -13,6 +15,10 @@ private slots:
     void receive();
     void lateReply_data() { addCases(); }
     void lateReply();
+    void foreign_data() { addCases(); }
+    void foreign();
+    void stations_data() { addCases(); }
+    void stations();
     void backOff();
 };
 
@@ -34,9 +40,48 @@ void PanelTiming::receive()
 
 void PanelTiming::lateReply()
 {
-    const QList<QByteArray> in = given(3);
-    QTEST(QString::number(lateReplyHold(in[0].toInt(), in[1] == "same", in[2].toInt(), 300)),
-          "expected");
+    LateReplies late;
+    QStringList holds;
+    for (const QByteArray& step : parts(given(1)[0], ',')) {
+        const QList<QByteArray> words = step.split(' ');
+        const Asked asked = {QByteArray::fromHex(words[0]), words[1].toInt(),
+                             words[0].startsWith("16")};
+        const Micros at = words[2].toInt();
+        holds << QString::number(lateReplyHold(late, asked, at));
+        noteOutcome(&late, asked, words.size() == 3, at, 300);
+    }
+    QTEST(holds.join(QLatin1Char(' ')), "expected");
+}
+
+void PanelTiming::foreign()
+{
+    const QList<QByteArray> in = given(2);
+    const Asked asked = {QByteArray::fromHex(in[0]), 7, in[0].startsWith("16")};
+    QTEST(text(isForeign(asked, QByteArray::fromHex(in[1])) ? "foreign" : "ours"), "expected");
+}
+
+void PanelTiming::stations()
+{
+    const char* const modes[] = {"on", "dead", "probing", "off"};
+    const char* const switches[] = {"", "=0", "=1"}; // the last argument of EnCommStation
+    StationWatch station;
+    QStringList seen;
+    for (const QByteArray& step : parts(given(1)[0], ',')) {
+        const Micros at = step.split(' ').value(1).toInt() * MICROS_PER_MILLI;
+        Switch change = Switch::Keep;
+        if (step == "answer")
+            noteAnswer(&station);
+        else if (step == "key")
+            change = toggleByHand(&station);
+        else if (step.startsWith("fail"))
+            change = noteGivenUp(&station, 2, at);
+        else
+            change = probeWhenDue(&station, at);
+        seen << text(modes[int(station.mode)]) + text(switches[int(change)]);
+        QCOMPARE(isOff(station), seen.last().startsWith(QLatin1Char('d')) ||
+                                     station.mode == StationMode::OffByHand);
+    }
+    QTEST(seen.join(QLatin1Char(' ')), "expected");
 }
 
 void PanelTiming::backOff()

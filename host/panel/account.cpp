@@ -52,7 +52,7 @@ void takeFinish(Panel* panel, TimedCallback* callback)
     if (write.state == WriteState::Done) {
         TagState& state = panel->states[write.tag];
         takeValue(panel->tags[write.tag], asHostRead(panel->tags[write.tag], write.value), &state);
-        state.written = true;
+        state.writtenAt = callback->at;
     }
 }
 
@@ -71,7 +71,7 @@ void takeBlock(Panel* panel, const RW_VAR& served, bool good)
         if (!markReceived(tag, block, now, &state))
             continue;
         takeValue(tag, hostRead(*panel, tag), &state);
-        const int index = compareReadBack(&panel->writes, i, state.value);
+        const int index = compareReadBack(&panel->writes, i, state.value, receivedAt(state));
         if (index >= 0)
             note(panel, QStringLiteral("read back %1=%2 (%3)")
                             .arg(tag.name, state.value,
@@ -100,24 +100,24 @@ void takeDriverCallbacks(Panel* panel, const RW_VAR* served)
     }
 }
 
-void takeReply(Panel* panel, const Request& request, Exchanged* exchanged)
+void takeReply(Panel* panel, const Request& request, Exchanged* exchanged, bool answered)
 {
     const bool expected = request.asked.replyLength != REPLY_NONE;
-    const bool answered = !exchanged->reply.isEmpty();
     if (expected)
         watchAnswer(panel, request.station, answered, exchanged->requestedAt);
     const qint64 failsBefore = panel->statistics.fails;
     const RW_VAR* served = panel->driver.dataCom(&exchanged->reply, exchanged->reply.size());
     const bool good = isGood(served->result);
+    panel->retrying = served->result == RESULT_RETRY;
     countTurn(&panel->statistics, {request.station, served->result, request.asked.frame.size(),
                                    exchanged->reply.size(), expected});
     // The record names the variable finished last, which is this one only when it has no frame
     // left.
     const bool finished =
-        good ? panel->info.framesDone >= panel->info.frameCount : served->result != RESULT_RETRY;
+        good ? panel->info.framesDone >= panel->info.frameCount : !panel->retrying;
     if (finished && served->rwFlag == RW_READ)
         takeBlock(panel, *served, good);
     takeDriverCallbacks(panel, served);
-    if (panel->statistics.fails > failsBefore && expected && !answered)
+    if (panel->statistics.fails > failsBefore && !answered)
         watchGivenUp(panel, request.station);
 }

@@ -9,4 +9,5 @@
 void takeDriverCallbacks(Panel* panel, const RW_VAR* served);
 
 /// Hands the reply to the driver and notes what came of it.
-void takeReply(Panel* panel, const Request& request, Exchanged* exchanged);
+/// @param answered it is a whole reply of the station, or none was wanted
+void takeReply(Panel* panel, const Request& request, Exchanged* exchanged, bool answered);

@@ -20,14 +20,6 @@ void printLine(const QByteArray& line)
     std::printf("%s\n", line.constData());
 }
 
-/// Noticed without a write, too: a run without changes would never end else.
-bool readerGone()
-{
-    pollfd output = {STDOUT_FILENO, 0, 0};
-    return std::ferror(stdout) != 0 ||
-           (poll(&output, 1, 0) > 0 && (output.revents & (POLLERR | POLLHUP)) != 0);
-}
-
 QString eventLine(const Event& event)
 {
     return QStringLiteral("%1 s  %2").arg(secondsText(event.at), 8).arg(event.text);
@@ -46,6 +38,8 @@ void printEvents(Panel* panel)
 {
     for (const Event& event : panel->events)
         printLine(eventLine(event).toUtf8());
+    if (!panel->events.isEmpty())
+        std::fflush(stdout);
     panel->events.clear();
 }
 
@@ -112,17 +106,24 @@ bool updateDisplay(Display* display, Panel* panel)
     switch (display->output) {
     case Output::Json:
         printRecords(display, panel);
-        return readerGone();
+        return std::ferror(stdout) != 0 || readerGone();
     case Output::Text:
     case Output::Events:
         printText(display, panel);
-        return readerGone();
+        return std::ferror(stdout) != 0 || readerGone();
     default:
         break;
     }
     const bool quit = takeKeys(display, panel);
     drawScreen(display, panel);
     return quit;
+}
+
+// Noticed without a write, too: a run without changes would never end else.
+bool readerGone()
+{
+    pollfd output = {STDOUT_FILENO, 0, 0};
+    return poll(&output, 1, 0) > 0 && (output.revents & (POLLERR | POLLHUP)) != 0;
 }
 
 void closeDisplay(Display* display, Panel* panel)

@@ -25,5 +25,8 @@ QString openDisplay(Display* display, const Panel& panel, qint64 startedAtMs);
 /// Shows what is new and takes the keys. @return true when the person wants to end the run
 bool updateDisplay(Display* display, Panel* panel);
 
+/// Whoever read standard output has gone.
+bool readerGone();
+
 /// Shows what is new and gives the terminal back.
 void closeDisplay(Display* display, Panel* panel);

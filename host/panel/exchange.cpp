@@ -7,6 +7,8 @@
 namespace
 {
 
+constexpr int LONGEST_STRAY = 256; // bytes of the longest frame
+
 int ceilMillis(Micros time)
 {
     return static_cast<int>((std::max(Micros{0}, time) + MICROS_PER_MILLI - 1) / MICROS_PER_MILLI);
@@ -19,7 +21,7 @@ QByteArray listen(Link* link, Micros time, const Clock& clock)
     device.waitForReadyRead(ceilMillis(time));
     const QByteArray bytes = device.readAll();
     if (!bytes.isEmpty())
-        link->lastByteAt = clock();
+        noteHeard(link, clock());
     return bytes;
 }
 
@@ -33,24 +35,35 @@ void discard(const Link& link, const QByteArray& bytes, Micros at, Exchanged* re
 {
     if (bytes.isEmpty())
         return;
-    result->discarded += bytes.size();
+    result->strays << Stray{bytes, at};
     tap(link, {at, FrameKind::Stray, bytes, {}, false});
 }
 
-/// Throws input away until the line has been silent. Noise that never ends delays a request by one
-/// time-out, not for ever.
+/// Listens until the line has been silent, and throws away what comes. Where answers to earlier
+/// requests may come, each that does puts off the end: the next one's may follow as late. Noise
+/// that never ends delays a request by one time-out, not for ever.
 void discardUntilSilent(Link* link, const Request& request, const Clock& clock, Exchanged* result)
 {
     const Micros silence = silentInterval(link->baud);
-    const Micros heldUntil = clock() + request.hold;
-    const Micros patience = heldUntil + silence + request.timeout;
+    const Micros spacing = request.timeout + request.timeout / 2;
+    Micros heldUntil = clock() + request.hold.time;
+    int expected = request.hold.expected;
+    QByteArray stray;
     for (;;) {
         const Micros quietAt = std::max(link->lastByteAt + silence, heldUntil);
         const QByteArray bytes = listen(link, quietAt - clock(), clock);
         const Micros now = clock();
-        discard(*link, bytes, now, result);
-        if ((bytes.isEmpty() && now >= quietAt) || now >= patience || link->lost(*link->device))
-            return;
+        stray += bytes;
+        const bool whole = !bytes.isEmpty() && isWhole(stray);
+        if (whole && --expected > 0)
+            heldUntil = std::max(heldUntil, now + spacing);
+        if (whole || stray.size() > LONGEST_STRAY) {
+            discard(*link, stray, now, result);
+            stray.clear();
+        }
+        const bool quiet = bytes.isEmpty() && now >= quietAt;
+        if (quiet || now >= heldUntil + silence + request.timeout || link->lost(*link->device))
+            return discard(*link, stray, now, result);
     }
 }
 
@@ -78,17 +91,19 @@ bool takeEcho(const QByteArray& frame, QByteArray* bytes)
 bool receive(Link* link, const Request& request, const Clock& clock, Exchanged* result)
 {
     const Asked& asked = request.asked;
-    const ReceiveLimits limits =
-        receiveLimits(asked.frame.size(), asked.replyLength, link->baud, request.timeout);
+    const ReceiveLimits limits = receiveLimits(asked.frame.size(), asked.replyLength, link->baud,
+                                               request.timeout, link->gap);
     bool echoed = !request.echo;
     for (;;) {
         const Micros now = clock();
-        const Micros wait = receiveWait(result->reply.size(), asked.replyLength,
-                                        now - link->lastByteAt, now - result->requestedAt, limits);
+        const bool exception = isException(asked, result->reply);
+        const int expected = exception ? result->reply.size() : asked.replyLength;
+        const Micros wait = receiveWait(result->reply.size(), expected, now - link->lastByteAt,
+                                        now - result->requestedAt, limits);
         if (wait == 0 && !isForeign(asked, result->reply))
             return true;
         if (wait == 0) {
-            discard(*link, result->reply, result->repliedAt, result);
+            discard(*link, result->reply, link->lastByteAt, result);
             result->reply.clear();
             continue;
         }
@@ -124,4 +139,10 @@ Exchanged exchange(Link* link, const Request& request, const Clock& clock)
     const Micros at = result.reply.isEmpty() ? clock() : result.repliedAt;
     tap(*link, {at, kind, result.reply, asked.frame, asked.remote});
     return result;
+}
+
+bool lostMeanwhile(Link* link)
+{
+    link->device->waitForReadyRead(0);
+    return link->lost(*link->device);
 }

@@ -10,15 +10,24 @@ struct Request {
     Asked asked;
     int station = 0;
     Micros timeout = 0;
-    Micros hold = 0;   ///< listen this long first, see lateReplyHold
+    Hold hold;
     bool echo = false; ///< the line brings back the request before the reply
+};
+
+/// Bytes thrown away: before the request, or replies to others.
+struct Stray {
+    QByteArray bytes;
+    Micros at = 0; ///< of the last byte
 };
 
 struct Exchanged {
     bool linkLost = false; ///< before a reply was complete
     QByteArray reply;      ///< all that came, however long
-    int discarded = 0;     ///< bytes thrown away: before the request, and replies to others
+    QVector<Stray> strays;
     Micros requestedAt = 0, repliedAt = 0; ///< first bytes
 };
 
 Exchanged exchange(Link* link, const Request& request, const Clock& clock);
+
+/// Looks at a link that is not in use. @return whether it was lost
+bool lostMeanwhile(Link* link);

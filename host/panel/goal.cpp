@@ -25,6 +25,7 @@ bool writeSettled(const Panel& panel, const Write& write)
 {
     switch (write.state) {
     case WriteState::Waiting:
+        return isDead(panel, panel.tags[write.tag].station);
     case WriteState::Queued:
         return false;
     case WriteState::Done:
@@ -48,11 +49,15 @@ bool allTagsSettled(const Panel& panel)
     return true;
 }
 
-bool allTagsGood(const Panel& panel, Micros now)
+/// @param once having been read is enough, however long ago
+bool allTagsGood(const Panel& panel, bool once, Micros now)
 {
-    for (int tag = 0; tag < panel.tags.size(); ++tag)
-        if (qualityAt(panel, tag, now) != Quality::Good)
+    for (int tag = 0; tag < panel.tags.size(); ++tag) {
+        const TagState& state = panel.states[tag];
+        const bool read = receivedAt(state) != NEVER && !isDoubted(state);
+        if (once ? !read : qualityAt(panel, tag, now) != Quality::Good)
             return false;
+    }
     return true;
 }
 
@@ -76,5 +81,5 @@ ExitStatus exitStatus(const Panel& panel, const Goal& goal, Micros now)
     if (!writesGood(panel.writes))
         return EXIT_WRITE_FAILED;
     const bool tagsMatter = goal.once || !goal.written;
-    return tagsMatter && !allTagsGood(panel, now) ? EXIT_NOT_FRESH : EXIT_WELL;
+    return tagsMatter && !allTagsGood(panel, goal.once, now) ? EXIT_NOT_FRESH : EXIT_WELL;
 }

@@ -1,61 +1,22 @@
 #include "late_replies.h"
 
-#include "../plc/wire.h"
-#include "decode_parts.h"
-
 #include <algorithm>
 
 namespace
 {
 
-constexpr int EXPECTED_TIMEOUTS = 2; // an answer later than this is not expected
-constexpr int STATION_OFFSET = 0, FUNCTION_OFFSET = 1, BYTE_COUNT_OFFSET = 2;
-constexpr int EXCEPTION_FLAG = 0x80;
-constexpr int SHORTEST_REPLY = 4;    // station, function, CRC
-constexpr int BYTES_BESIDE_DATA = 5; // of the reply to a read: station, function, count, CRC
+constexpr int EXPECTED_TIMEOUTS = 3;
+constexpr Micros LATEST_EXPECTED = 10 * MICROS_PER_SECOND; // longer holds would stop the line
 
-/// Bytes at the front of a request that its reply begins with, too: station and function, of a
-/// write also the address, and the count or the value.
-int repeatedBytes(int function)
+int stationKey(const Asked& asked)
 {
-    switch (function) {
-    case FC_WRITE_MEMORY_WORD:
-    case FC_WRITE_OUTPUT_BITS:
-    case FC_WRITE_MEMORY_WORDS:
-        return 6;
-    case FC_WRITE_SPECIAL_BIT:
-        return 4;
-    default:
-        return 2;
-    }
+    return asked.frame.isEmpty() ? 0 : asked.frame.at(0);
 }
 
-bool isRead(int function)
+Micros expiryAfter(const LateReplies& late, const Asked& asked, Micros timeout)
 {
-    return repeatedBytes(function) == FUNCTION_OFFSET + 1;
-}
-
-bool answersLookAlike(const Asked& a, const Asked& b)
-{
-    if (a.remote || b.remote)
-        return true;
-    const int repeated = repeatedBytes(plc::byteAt(a.frame, FUNCTION_OFFSET));
-    return a.frame.left(repeated) == b.frame.left(repeated) && a.replyLength == b.replyLength;
-}
-
-/// Whether an undamaged reply of the local framing says what a reply to the request must say.
-bool answers(const Asked& asked, const QByteArray& reply)
-{
-    const int function = plc::byteAt(asked.frame, FUNCTION_OFFSET);
-    if (reply.at(STATION_OFFSET) != asked.frame.at(STATION_OFFSET))
-        return false;
-    if (plc::byteAt(reply, FUNCTION_OFFSET) == (function | EXCEPTION_FLAG))
-        return true;
-    const int repeated = repeatedBytes(function);
-    if (reply.left(repeated) != asked.frame.left(repeated))
-        return false;
-    return !isRead(function) || reply.size() != asked.replyLength ||
-           plc::byteAt(reply, BYTE_COUNT_OFFSET) == reply.size() - BYTES_BESIDE_DATA;
+    const Micros seen = late.longest.value(stationKey(asked));
+    return std::max(EXPECTED_TIMEOUTS * timeout, std::min(seen + seen / 2, LATEST_EXPECTED));
 }
 
 } // namespace
@@ -72,21 +33,34 @@ void noteOutcome(LateReplies* late, const Asked& asked, bool answered, Micros as
         return;
     if (answered)
         requests.erase(earlierTry);
-    requests << Unanswered{asked, askedAt + EXPECTED_TIMEOUTS * timeout};
+    requests << Unanswered{asked, askedAt, askedAt + expiryAfter(*late, asked, timeout)};
 }
 
-Micros lateReplyHold(const LateReplies& late, const Asked& next, Micros now)
+Hold holdBefore(const LateReplies& late, const Asked& next, Micros now)
 {
-    Micros hold = 0;
-    for (const Unanswered& unanswered : late.requests)
-        if (unanswered.asked.frame != next.frame && answersLookAlike(unanswered.asked, next))
-            hold = std::max(hold, unanswered.expires - now);
+    Hold hold;
+    for (const Unanswered& unanswered : late.requests) {
+        if (unanswered.asked.frame == next.frame || unanswered.expires <= now ||
+            !answersLookAlike(unanswered.asked, next))
+            continue;
+        hold.time = std::max(hold.time, unanswered.expires - now);
+        ++hold.expected;
+    }
     return hold;
 }
 
-bool isForeign(const Asked& asked, const QByteArray& reply)
+Micros noteStray(LateReplies* late, const QByteArray& bytes, Micros at)
 {
-    if (asked.remote || reply.size() < SHORTEST_REPLY || asked.frame.size() < SHORTEST_REPLY)
-        return false;
-    return crcGood(reply, reply.size()) && !answers(asked, reply);
+    QVector<Unanswered>& requests = late->requests;
+    const auto answered = [&bytes](const Unanswered& u) {
+        return isFromStation(u.asked, bytes) && !isForeign(u.asked, bytes);
+    };
+    const auto found = std::find_if(requests.begin(), requests.end(), answered);
+    if (found == requests.end())
+        return NEVER;
+    const Micros lateness = at - found->askedAt;
+    Micros& longest = late->longest[stationKey(found->asked)];
+    longest = std::max(longest, lateness);
+    requests.erase(found);
+    return lateness;
 }

@@ -24,12 +24,10 @@ bool bringUp(Link* link, Micros now)
     QString error;
     link->device = link->open(&error);
     if (!link->device) {
-        ++link->failedTries;
         takeDown(link, error, now);
         return false;
     }
-    link->backOff = 0;
-    link->failedTries = 0;
+    link->heard = false;
     link->lastByteAt = now;
     ++link->opened;
     return true;
@@ -39,6 +37,16 @@ void takeDown(Link* link, const QString& why, Micros now)
 {
     link->device.reset();
     link->error = why;
+    link->failedTries += link->heard ? 0 : 1;
+    link->heard = false;
     link->backOff = nextBackOff(link->backOff);
     link->retryAt = now + link->backOff;
+}
+
+void noteHeard(Link* link, Micros now)
+{
+    link->lastByteAt = now;
+    link->heard = true;
+    link->failedTries = 0;
+    link->backOff = 0;
 }

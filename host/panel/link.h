@@ -12,6 +12,7 @@
 struct Link {
     QString name;
     int baud = 0;
+    Micros gap = USB_GAP; ///< may lie between two bytes of a reply
     std::function<std::unique_ptr<QIODevice>(QString* error)> open;
     std::function<bool(const QIODevice&)> lost;
     std::function<QString(const QIODevice&)> lossText; ///< why it was lost
@@ -22,13 +23,19 @@ struct Link {
     Micros retryAt = 0;
     Micros backOff = 0;
     int opened = 0;
-    int failedTries = 0;   ///< to open it since it was up
+    int failedTries = 0;   ///< in a row that brought not a byte
+    bool heard = false;    ///< a byte came since it was opened
     Micros lastByteAt = 0; ///< sent or received
 };
 
 /// Opens the link when it is down and its time has come. @return true when it is up now
 bool bringUp(Link* link, Micros now);
 
+/// A peer that takes connections and closes them counts as a failed try, or it would be tried
+/// without end or pause.
 void takeDown(Link* link, const QString& why, Micros now);
+
+/// Takes note of bytes that came.
+void noteHeard(Link* link, Micros now);
 
 Micros nextBackOff(Micros last);

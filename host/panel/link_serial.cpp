@@ -31,9 +31,16 @@ bool setLine(QSerialPort* port, const SerialSettings& settings)
            port->setStopBits(settings.stopBits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop);
 }
 
+/// A bare name is one of a device; anything else, or what is here under that name, is a path.
+QString devicePath(const QString& device)
+{
+    const bool bare = !device.contains(QLatin1Char('/')) && !QFile::exists(device);
+    return bare ? device : QFileInfo(device).absoluteFilePath();
+}
+
 std::unique_ptr<QIODevice> openSerial(const SerialSettings& settings, QString* error)
 {
-    auto port = std::make_unique<QSerialPort>(settings.device);
+    auto port = std::make_unique<QSerialPort>(devicePath(settings.device));
     if (port->open(QIODevice::ReadWrite) &&
         (isPseudoTerminal(settings.device) || setLine(port.get(), settings)))
         return port;

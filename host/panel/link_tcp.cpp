@@ -2,6 +2,7 @@
 
 #include <QTcpSocket>
 
+#include <algorithm>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
@@ -9,6 +10,7 @@
 namespace
 {
 
+constexpr int CONNECT_MS = 3000;
 constexpr int DEAD_PEER_MS = 10000;
 
 /// A peer that has lost its power or its cable says nothing; left alone, the system notices after a
@@ -23,7 +25,7 @@ std::unique_ptr<QIODevice> openTcp(const TcpSettings& settings, QString* error)
 {
     auto socket = std::make_unique<QTcpSocket>();
     socket->connectToHost(settings.host, settings.port);
-    if (!socket->waitForConnected(static_cast<int>(settings.timeout / MICROS_PER_MILLI))) {
+    if (!socket->waitForConnected(CONNECT_MS)) {
         *error = socket->errorString();
         return nullptr;
     }
@@ -46,6 +48,7 @@ Link tcpLink(const TcpSettings& settings)
     link.baud = settings.baud;
     link.open = [settings](QString* error) { return openTcp(settings, error); };
     link.lost = tcpLost;
+    link.gap = std::max(USB_GAP, settings.timeout / 2); // networks pause where lines do not
     link.lossText = [](const QIODevice& device) { return device.errorString(); };
     return link;
 }

@@ -8,6 +8,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <unistd.h>
 
 namespace
 {
@@ -24,8 +25,9 @@ void interrupt(int)
 
 void takeSignals()
 {
-    for (const int number : {SIGINT, SIGTERM, SIGHUP})
-        std::signal(number, interrupt);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
+        if (std::signal(number, interrupt) == SIG_IGN)
+            std::signal(number, SIG_IGN); // as nohup wants it
     std::signal(SIGPIPE, SIG_IGN); // a reader that has gone must not end a write to the controller
 }
 
@@ -66,7 +68,8 @@ ExitStatus run(const Options& options)
 int main(int argc, char** argv)
 {
     QCoreApplication application(argc, argv);
-    const ParsedOptions parsed = parseOptions(QCoreApplication::arguments(), isTerminal());
+    const ParsedOptions parsed =
+        parseOptions(QCoreApplication::arguments(), {isTerminal(), isatty(STDERR_FILENO) != 0});
     if (!parsed.errors.isEmpty()) {
         complain(parsed.errors);
         return EXIT_USAGE;

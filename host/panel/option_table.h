@@ -23,7 +23,7 @@ inline constexpr OptionRow OPTIONS[] = {
     {"delay",    OptionKind::Number, "MS",        "0", 0, 60000, "Pause after each reply in milliseconds, beside the line's silent interval"},
     {"retries",  OptionKind::Number, "N",         "2", 0, 100, "Failed replies before a variable is given up"},
     {"fails",    OptionKind::Number, "N",         "2", 1, 1000, "Variables of a station given up in a row, without any answer, before the station is switched off and probed"},
-    {"block",    OptionKind::Number, "N",         "60", 1, 240, "Longest read in words or bytes, longest write in bytes"},
+    {"block",    OptionKind::Number, "N",         "60", 1, 125, "Longest read in words or bytes, longest write in bytes; replies hold no more than 125 words"},
     {"remote",   OptionKind::Flag,   "",          "", 0, 0, "Use the remote framing"},
     {"echo",     OptionKind::Flag,   "",          "", 0, 0, "The line brings back what is sent, as two-wire adapters do"},
     {"once",     OptionKind::Flag,   "",          "", 0, 0, "Read every tag once, and end"},

@@ -112,31 +112,35 @@ constexpr FormatName FORMAT_NAMES[] = {
     {"text", Output::Text, Output::Events},
 };
 
-QString usualFormat(bool screenPossible, bool plain)
+QString usualFormat(const Terminals& terminals, bool plain)
 {
-    if (!screenPossible)
+    if (!terminals.screen)
         return QStringLiteral("json");
     return plain ? QStringLiteral("text") : QStringLiteral("screen");
 }
 
-void takeOutput(Reader* reader, bool screenPossible, Options* options)
+void takeOutput(Reader* reader, const Terminals& terminals, Options* options)
 {
     const bool command = options->goal.once || options->goal.written;
-    const QString name = reader->isSet("format")
-                             ? reader->text("format")
-                             : usualFormat(screenPossible, command || options->trace);
+    const QString name =
+        reader->isSet("format")
+            ? reader->text("format")
+            : usualFormat(terminals, command || (options->trace && terminals.errors));
     for (const FormatName& format : FORMAT_NAMES) {
         if (name != QLatin1String(format.name))
             continue;
         options->output = command ? format.command : format.run;
-        if (options->output == Output::Screen && !screenPossible)
+        if (options->output == Output::Screen && !terminals.screen)
             reader->complain(QStringLiteral("--format screen needs a terminal"));
+        if (options->output == Output::Screen && options->trace && terminals.errors)
+            reader->complain(QStringLiteral("--trace would spoil the screen, send it to a file "
+                                            "with 2>FILE"));
         return;
     }
     reader->complain(QStringLiteral("--format takes screen, json or text, not '%1'").arg(name));
 }
 
-Options takeOptions(Reader* reader, bool screenPossible)
+Options takeOptions(Reader* reader, const Terminals& terminals)
 {
     Options options;
     const QStringList files = reader->parser.positionalArguments();
@@ -155,13 +159,13 @@ Options takeOptions(Reader* reader, bool screenPossible)
     options.echo = reader->isSet("echo");
     options.trace = reader->isSet("trace");
     takeGoal(reader, &options);
-    takeOutput(reader, screenPossible, &options);
+    takeOutput(reader, terminals, &options);
     return options;
 }
 
 } // namespace
 
-ParsedOptions parseOptions(const QStringList& arguments, bool screenPossible)
+ParsedOptions parseOptions(const QStringList& arguments, const Terminals& terminals)
 {
     Reader reader;
     describe(&reader.parser);
@@ -171,7 +175,7 @@ ParsedOptions parseOptions(const QStringList& arguments, bool screenPossible)
     } else if (reader.isSet("help")) {
         parsed.help = reader.parser.helpText();
     } else {
-        parsed.options = takeOptions(&reader, screenPossible);
+        parsed.options = takeOptions(&reader, terminals);
         parsed.errors = reader.errors;
     }
     return parsed;

@@ -27,6 +27,11 @@ struct ParsedOptions {
     QStringList errors;
 };
 
+/// What the program's standard streams are.
+struct Terminals {
+    bool screen = false; ///< standard output and input: a picture can be drawn
+    bool errors = false; ///< standard error: its lines would spoil the picture
+};
+
 /// @param arguments the program's name first
-/// @param screenPossible standard output and input are a terminal
-ParsedOptions parseOptions(const QStringList& arguments, bool screenPossible);
+ParsedOptions parseOptions(const QStringList& arguments, const Terminals& terminals);

@@ -14,18 +14,21 @@ struct Event {
     QString text;
 };
 
-/// Entries of the driver's lists.
+/// What waits to be sent.
 struct Queues {
-    int writes = 0, onceReads = 0, cyclicReads = 0;
+    int writes = 0; ///< those that wait for their turn in the panel included
+    int onceReads = 0;
 };
 
 struct Panel {
     DriverApi driver;
     ComInfo info = {};
-    int retries = 0;  ///< retryLimit but for probes
+    int retries = 0;  ///< of one request, see retriesFor
     int patience = 0; ///< see noteGivenUp
     Micros timeout = 0, delay = 0;
     bool echo = false; ///< the line brings back what is sent
+    Micros nextTurnAt = 0;
+    bool retrying = false; ///< the last reply failed and its frame is sent again
 
     Link link;
     Clock clock;
@@ -39,6 +42,7 @@ struct Panel {
     Statistics statistics;
     QMap<int, StationWatch> stations; ///< all that a tag names
     LateReplies late;
+    bool saidLate = false;
     QString lastFail;
     QVector<Event> events; ///< not shown yet
 };
@@ -47,8 +51,10 @@ void note(Panel* panel, const QString& text);
 
 /// Seconds with two decimals, as notes show them.
 QString secondsText(Micros time);
+/// Milliseconds with one decimal.
+QString millisText(Micros time);
 
 Quality qualityAt(const Panel& panel, int tag, Micros now);
 
-/// Lengths of the driver's lists now. Takes its list lock.
+/// Takes the driver's list lock.
 Queues queueLengths(const Panel& panel);

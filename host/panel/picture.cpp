@@ -49,11 +49,22 @@ QString headingWithRange(const Panel& panel, const View& view, int rows)
     return heading.replace(0, range.size(), range);
 }
 
+/// Lines of the stations, no more than a third of the screen: those with trouble come first.
+QStringList stationLines(const Panel& panel, const ScreenSize& size, Micros now)
+{
+    const int most = std::max(1, size.rows / 3);
+    const QStringList lines = wrapped(stationTexts(panel, now), size.columns);
+    if (lines.size() <= most)
+        return lines;
+    return QStringList(lines.mid(0, most - 1))
+           << QStringLiteral("%1 more lines of stations").arg(lines.size() - most + 1);
+}
+
 } // namespace
 
 int tableRows(const Panel& panel, const ScreenSize& size, Micros now)
 {
-    const int stations = wrapped(stationTexts(panel, now), size.columns).size();
+    const int stations = stationLines(panel, size, now).size();
     return std::max(1, size.rows - LINES_BESIDE_TABLE - stations - EVENTS_SHOWN);
 }
 
@@ -67,7 +78,7 @@ QVector<PictureLine> picture(const Panel& panel, View* view, const ScreenSize& s
     const bool down = !panel.link.device;
     QVector<PictureLine> lines;
     lines << PictureLine{statusLine(panel, now), down ? Emphasis::Alert : Emphasis::Plain};
-    for (const QString& text : wrapped(stationTexts(panel, now), size.columns))
+    for (const QString& text : stationLines(panel, size, now))
         lines << PictureLine{text, Emphasis::Plain};
     lines << PictureLine{QStringLiteral("last fail callback: ") +
                              (panel.lastFail.isEmpty() ? QStringLiteral("none") : panel.lastFail),
@@ -82,7 +93,10 @@ QVector<PictureLine> picture(const Panel& panel, View* view, const ScreenSize& s
         lines << PictureLine{event, Emphasis::Plain};
 
     lines.resize(std::max(1, size.rows - 1));
-    lines << PictureLine{promptLine(view->keys), Emphasis::Heading};
+    // Of an input the end is what the person looks at.
+    const QString prompt = promptLine(view->keys);
+    lines << PictureLine{view->keys.prompt == Prompt::None ? prompt : prompt.right(size.columns),
+                         Emphasis::Heading};
     for (PictureLine& line : lines)
         line.text.truncate(size.columns);
     return lines;

@@ -24,7 +24,7 @@ struct View {
 
 /// Link, scan time, queue lengths.
 QString statusLine(const Panel& panel, Micros now);
-/// State and counters of each station.
+/// State and counters of each station, those that do not answer first.
 QStringList stationTexts(const Panel& panel, Micros now);
 QString tagHeading();
 QString tagLine(const Panel& panel, int index, double readsPerSecond, Micros now);

@@ -7,11 +7,6 @@
 namespace
 {
 
-QString millis(Micros time)
-{
-    return QString::number(static_cast<double>(time) / MICROS_PER_MILLI, 'f', 1);
-}
-
 QString linkText(const Panel& panel, Micros now)
 {
     if (panel.link.device)
@@ -26,8 +21,8 @@ QString scanText(const Panel& panel)
     Micros longest = NEVER;
     for (auto it = panel.stations.begin(); it != panel.stations.end(); ++it)
         if (it->mode == StationMode::On && it->silentSince == NEVER)
-            longest = std::max(longest, panel.statistics.stations[it.key()].lastScan);
-    return longest == NEVER ? QStringLiteral("-") : millis(longest) + QStringLiteral(" ms");
+            longest = std::max(longest, panel.statistics.stations.value(it.key()).lastScan);
+    return longest == NEVER ? QStringLiteral("-") : millisText(longest) + QStringLiteral(" ms");
 }
 
 QString modeText(const StationWatch& watch, Micros now)
@@ -80,16 +75,17 @@ QString statusLine(const Panel& panel, Micros now)
 
 QStringList stationTexts(const Panel& panel, Micros now)
 {
-    QStringList texts;
+    QStringList troubled, well;
     for (auto it = panel.stations.begin(); it != panel.stations.end(); ++it) {
         const StationCounters counters = panel.statistics.stations.value(it.key());
-        texts << QStringLiteral("station %1: %2, %3 good, %4 failed")
-                     .arg(it.key())
-                     .arg(modeText(*it, now))
-                     .arg(counters.good)
-                     .arg(counters.failed);
+        const bool isWell = it->mode == StationMode::On && it->silentSince == NEVER;
+        (isWell ? well : troubled) << QStringLiteral("station %1: %2, %3 good, %4 failed")
+                                          .arg(it.key())
+                                          .arg(modeText(*it, now))
+                                          .arg(counters.good)
+                                          .arg(counters.failed);
     }
-    return texts;
+    return troubled + well;
 }
 
 QString tagHeading()

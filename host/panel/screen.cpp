@@ -120,13 +120,13 @@ int takeKey()
 
 void draw(const QVector<PictureLine>& lines)
 {
+    // All at first: behind a line as wide as the terminal the cursor is not where it ends.
+    erase();
     for (int row = 0; row < lines.size(); ++row) {
         const PictureLine& line = lines[row];
         attrset(static_cast<int>(attributesOf(line.emphasis)));
         mvaddstr(row, 0, line.text.toUtf8().constData());
-        clrtoeol();
     }
     attrset(A_NORMAL);
-    clrtobot();
     refresh();
 }

@@ -31,47 +31,54 @@ QStringList takeWrites(const Options& options, Panel* panel)
 
 /// Lets the link tell its frames to the trace and the capture file that are wanted.
 /// @return what is wrong, empty when nothing
-QString tapLink(const Options& options, qint64 startedAt, PcapFile* pcap, Link* link)
+QString tapLink(const Options& options, qint64 startedAt, PcapFile* pcap, Panel* panel)
 {
     const QString error =
         options.pcapFile.isEmpty() ? QString() : openPcap(pcap, options.pcapFile, startedAt);
     if (!error.isEmpty() || (options.pcapFile.isEmpty() && !options.trace))
         return error;
-    link->tap = [pcap, trace = options.trace](const WireFrame& frame) {
+    panel->link.tap = [pcap, panel, trace = options.trace](const WireFrame& frame) {
         if (trace)
             std::fprintf(stderr, "%s\n", traceLine(frame).toUtf8().constData());
         const QString failed = writePcap(pcap, frame);
         if (failed.isEmpty())
             return;
-        complain({failed});
-        pcap->file.reset(); // once is enough
+        note(panel, QStringLiteral("the capture ends here: ") + failed);
+        pcap->file.reset();
     };
     return QString();
 }
 
-QString writeFile(const QString& fileName, const QByteArray& text)
+QByteArray textOf(const QStringList& lines)
 {
-    QFile file(fileName);
-    const bool written =
-        file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.flush();
-    return written ? QString() : QStringLiteral("%1: %2").arg(fileName, file.errorString());
+    return (lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8();
 }
 
 /// A run ends with its statistics, beside the records where those are read by a program; a command
 /// with what it was asked for. @return what is wrong, empty when nothing
-QString report(const Options& options, const Panel& panel, Micros end)
+QString report(const Options& options, const Panel& panel, Micros end, QFile* summaryFile)
 {
-    const auto lines = [](const QStringList& list) {
-        return (list.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8();
-    };
+    const QByteArray statistics = textOf(summary(panel, end));
     if (!options.goal.once && !options.goal.written)
         std::fprintf(options.output == Output::Json ? stderr : stdout, "\n%s",
-                     lines(summary(panel, end)).constData());
+                     statistics.constData());
     else if (options.goal.once && options.output == Output::Events)
-        std::printf("%s", lines(tagTable(panel, end)).constData());
-    return options.summaryFile.isEmpty()
-               ? QString()
-               : writeFile(options.summaryFile, lines(summary(panel, end)));
+        std::printf("%s", textOf(tagTable(panel, end)).constData());
+    if ((std::fflush(stdout) != 0 || std::ferror(stdout) != 0) && !readerGone())
+        return QStringLiteral("standard output could not be written");
+    if (summaryFile->isOpen() &&
+        (summaryFile->write(statistics) != statistics.size() || !summaryFile->flush()))
+        return QStringLiteral("%1: %2").arg(summaryFile->fileName(), summaryFile->errorString());
+    return QString();
+}
+
+/// Opens what the run is to write before it begins. @return what is wrong, empty when nothing
+QString openSummary(const Options& options, QFile* file)
+{
+    file->setFileName(options.summaryFile);
+    if (options.summaryFile.isEmpty() || file->open(QIODevice::WriteOnly))
+        return QString();
+    return QStringLiteral("%1: %2").arg(options.summaryFile, file->errorString());
 }
 
 } // namespace
@@ -102,7 +109,10 @@ ExitStatus runSession(const Options& options, Panel* panel, const volatile int* 
     display.output = options.output;
     QString error = startPanel(panel);
     if (error.isEmpty())
-        error = tapLink(options, startedAtMs * MICROS_PER_MILLI, &pcap, &panel->link);
+        error = tapLink(options, startedAtMs * MICROS_PER_MILLI, &pcap, panel);
+    QFile summaryFile;
+    if (error.isEmpty())
+        error = openSummary(options, &summaryFile);
     if (error.isEmpty())
         error = openDisplay(&display, *panel, startedAtMs);
     if (!error.isEmpty()) {
@@ -116,7 +126,7 @@ ExitStatus runSession(const Options& options, Panel* panel, const volatile int* 
     }
     closeDisplay(&display, panel);
     const Micros end = panel->clock();
-    const QString failed = report(options, *panel, end);
+    const QString failed = report(options, *panel, end, &summaryFile);
     if (!failed.isEmpty()) {
         complain({failed});
         return EXIT_USAGE;

@@ -12,11 +12,12 @@ void apply(Panel* panel, int station, Switch change)
 }
 
 /// One answer makes one block fresh, not the station's other tags.
-void failTagsOf(Panel* panel, int station)
+void doubtTagsOf(Panel* panel, int station)
 {
     for (int i = 0; i < panel->tags.size(); ++i)
         if (panel->tags[i].station == station)
-            panel->states[i].failed = true;
+            panel->states[i].doubtedAt = panel->clock();
+    panel->statistics.stations[station].lastRead.clear();
 }
 
 } // namespace
@@ -31,10 +32,12 @@ void watchAnswer(Panel* panel, int station, bool answered, Micros askedAt)
             note(panel, QStringLiteral("station %1 does not answer").arg(station));
         return;
     }
+    const bool missedTurns = watch.givenUp > 0;
     noteAnswer(&watch);
     if (since == NEVER)
         return;
-    failTagsOf(panel, station);
+    if (missedTurns)
+        doubtTagsOf(panel, station);
     note(panel, QStringLiteral("station %1 answers again after %2 s")
                     .arg(station)
                     .arg(secondsText(panel->clock() - since)));
@@ -66,14 +69,14 @@ QString toggleStation(Panel* panel, int station)
         return QStringLiteral("no tag has the station %1").arg(station);
     const Switch change = toggleByHand(&*watch);
     apply(panel, station, change);
-    failTagsOf(panel, station);
+    doubtTagsOf(panel, station);
     note(panel, QStringLiteral("station %1 switched %2 by hand")
                     .arg(station)
                     .arg(change == Switch::On ? QStringLiteral("on") : QStringLiteral("off")));
     return QString();
 }
 
-int retryLimitFor(const Panel& panel, int station)
+int retriesFor(const Panel& panel, int station)
 {
     const bool probing = panel.stations.value(station).mode == StationMode::Probing;
     return probing ? 0 : panel.retries;

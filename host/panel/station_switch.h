@@ -15,5 +15,5 @@ void probeStations(Panel* panel);
 /// Switches a station off or on again, as a person asks. @return what is wrong, empty when nothing
 QString toggleStation(Panel* panel, int station);
 
-/// The retry limit for a request to the station: a probe is not repeated.
-int retryLimitFor(const Panel& panel, int station);
+/// How often a request to the station may be repeated: a probe is not.
+int retriesFor(const Panel& panel, int station);

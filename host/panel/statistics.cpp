@@ -39,7 +39,7 @@ void countTurn(Statistics* statistics, const Turn& turn)
     station.bytesSent += turn.bytesSent;
     station.bytesReceived += turn.bytesReceived;
     const ResultInfo* info = resultInfo(turn.result);
-    ++statistics->byResult[info != nullptr ? info->code : turn.result];
+    ++station.byResult[info != nullptr ? info->code : turn.result];
 }
 
 void countCallback(Statistics* statistics, const TimedCallback& callback)
@@ -60,7 +60,7 @@ void countBlock(Statistics* statistics, const RW_VAR& block, bool good, Micros n
     StationCounters& station = statistics->stations[block.station];
     const QPair<int, int> key(block.regType, block.address);
     if (!good) {
-        station.lastRead.remove(key);
+        station.lastRead.clear();
         return;
     }
     if (station.lastRead.contains(key)) {
@@ -81,6 +81,8 @@ StationCounters totalOf(const Statistics& statistics)
         total.retries += station.retries;
         total.bytesSent += station.bytesSent;
         total.bytesReceived += station.bytesReceived;
+        for (auto it = station.byResult.begin(); it != station.byResult.end(); ++it)
+            total.byResult[it.key()] += *it;
     }
     return total;
 }

@@ -19,14 +19,14 @@ struct StationCounters {
     qint64 turns = 0; ///< frames sent and judged
     qint64 good = 0, failed = 0, unanswered = 0, retries = 0;
     qint64 bytesSent = 0, bytesReceived = 0;
-    Histogram scans;                        ///< from one good read of a block to its next
-    Micros lastScan = NEVER;                ///< the latest of them
+    QMap<int, qint64> byResult; ///< by ResultCode, errors by the first code of their group
+    Histogram scans;            ///< from one good read of a block to its next, outages left out
+    Micros lastScan = NEVER;    ///< the latest of them
     QMap<QPair<int, int>, Micros> lastRead; ///< by area and address of the block
 };
 
 struct Statistics {
     QMap<int, StationCounters> stations;
-    QMap<int, qint64> byResult; ///< by ResultCode, errors by the first code of their group
     qint64 blocksRead = 0, blocksGivenUp = 0;
     qint64 discarded = 0; ///< bytes that were no reply to the request before them
     qint64 linkLosses = 0;

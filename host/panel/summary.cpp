@@ -9,11 +9,6 @@ namespace
 
 constexpr double P99 = 0.99;
 
-QString millis(Micros time)
-{
-    return QString::number(static_cast<double>(time) / MICROS_PER_MILLI, 'f', 1);
-}
-
 QString readBackText(const Write& write)
 {
     switch (write.readBack) {
@@ -60,10 +55,10 @@ QStringList callbackLines(const Statistics& statistics)
     return lines;
 }
 
-QStringList resultLines(const Statistics& statistics)
+QStringList resultLines(const StationCounters& counters)
 {
     QStringList lines;
-    for (auto it = statistics.byResult.begin(); it != statistics.byResult.end(); ++it)
+    for (auto it = counters.byResult.begin(); it != counters.byResult.end(); ++it)
         lines << QStringLiteral("  result %1: %2 (%3)")
                      .arg(it.key(), 3)
                      .arg(it.value())
@@ -89,8 +84,8 @@ QString scanText(const Histogram& scans)
     if (scans.count == 0)
         return QStringLiteral("no scan completed");
     return QStringLiteral("scan min %1 ms, mean %2 ms, p99 %3 ms, max %4 ms")
-        .arg(millis(scans.smallest), millis(meanTime(scans)), millis(percentile(scans, P99)),
-             millis(scans.largest));
+        .arg(millisText(scans.smallest), millisText(meanTime(scans)),
+             millisText(percentile(scans, P99)), millisText(scans.largest));
 }
 
 QStringList stationLines(const Statistics& statistics)
@@ -98,14 +93,21 @@ QStringList stationLines(const Statistics& statistics)
     QStringList lines;
     for (auto it = statistics.stations.begin(); it != statistics.stations.end(); ++it)
         lines << QStringLiteral("Station %1: %2").arg(it.key()).arg(exchangeText(*it))
-              << QStringLiteral("  ") + scanText(it->scans);
+              << resultLines(*it) << QStringLiteral("  ") + scanText(it->scans);
     return lines;
 }
 
-qint64 replacedWrites(const Panel& panel)
+QString writesText(const QVector<Write>& writes)
 {
-    return std::count_if(panel.writes.begin(), panel.writes.end(),
-                         [](const Write& write) { return write.state == WriteState::Replaced; });
+    QMap<WriteState, int> count;
+    for (const Write& write : writes)
+        ++count[write.state];
+    QStringList parts;
+    for (const WriteState state : {WriteState::Done, WriteState::Failed, WriteState::Refused,
+                                   WriteState::Queued, WriteState::Waiting})
+        parts
+            << QStringLiteral("%1 %2").arg(count[state]).arg(QLatin1String(writeStateText(state)));
+    return QStringLiteral("Writes: %1: ").arg(writes.size()) + parts.join(QLatin1String(", "));
 }
 
 } // namespace
@@ -126,18 +128,16 @@ QStringList summary(const Panel& panel, Micros ran)
 {
     const Statistics& s = panel.statistics;
     QStringList lines;
-    lines << QStringLiteral("Ran %1 s: ").arg(secondsText(ran)) + exchangeText(totalOf(s));
-    lines << resultLines(s) << stationLines(s);
+    const StationCounters total = totalOf(s);
+    lines << QStringLiteral("Ran %1 s: ").arg(secondsText(ran)) + exchangeText(total);
+    lines << resultLines(total) << stationLines(s);
     lines << QStringLiteral("Stray bytes discarded: %1; link losses: %2")
                  .arg(s.discarded)
                  .arg(s.linkLosses);
     lines << QStringLiteral("Reads: %1 blocks received, %2 given up")
                  .arg(s.blocksRead)
                  .arg(s.blocksGivenUp);
-    lines << QStringLiteral("Writes: %1; replaced by newer ones: %2")
-                 .arg(panel.writes.size())
-                 .arg(replacedWrites(panel))
-          << writeLines(panel);
+    lines << writesText(panel.writes) << writeLines(panel);
     lines << QStringLiteral("Callbacks: %1 finished done, %2 finished failed, %3 fail")
                  .arg(s.finishDone)
                  .arg(s.finishFailed)

@@ -5,8 +5,6 @@
 namespace
 {
 
-constexpr Micros OLDEST_GOOD = 5 * MICROS_PER_SECOND; // a value older than this needs a look
-
 // Indexed by Quality.
 constexpr const char* QUALITY_TEXTS[] = {"waiting", "good",      "written", "stale",
                                          "failed",  "no answer", "off"};
@@ -25,13 +23,13 @@ bool markReceived(const Tag& tag, const ImageRange& block, Micros now, TagState*
 {
     const ImageRange range = rangeOfTag(tag);
     const ImageRange common = commonPart(range, block);
+    const Micros before = receivedAt(*state);
     for (int byte = common.first; byte < common.end; ++byte)
         state->receivedAt[byte - range.first] = now;
-    if (common.first >= common.end || receivedAt(*state) == NEVER)
+    const Micros oldest = receivedAt(*state);
+    if (common.first >= common.end || oldest == NEVER)
         return false;
-    state->failed = false;
-    state->written = false;
-    ++state->reads;
+    state->reads += oldest > before ? 1 : 0;
     return true;
 }
 
@@ -40,7 +38,7 @@ bool markFailed(const Tag& tag, const ImageRange& block, Micros now, TagState* s
     const ImageRange common = commonPart(rangeOfTag(tag), block);
     if (common.first >= common.end)
         return false;
-    state->failed = true;
+    state->doubtedAt = now;
     state->givenUpAt = now;
     return true;
 }
@@ -56,20 +54,25 @@ Micros receivedAt(const TagState& state)
     return *std::min_element(state.receivedAt.begin(), state.receivedAt.end());
 }
 
-Quality qualityOf(const TagState& state, Presence presence, Micros now, Micros timeout)
+bool isDoubted(const TagState& state)
+{
+    return receivedAt(state) < state.doubtedAt;
+}
+
+Quality qualityOf(const TagState& state, Presence presence, Micros now, const QualityLimits& limits)
 {
     if (presence == Presence::Off)
         return Quality::Off;
     const bool silent = presence == Presence::Silent;
-    if (state.written && !silent)
-        return Quality::Written;
     const Micros received = receivedAt(state);
+    if (received <= state.writtenAt && state.writtenAt != NEVER && !silent)
+        return Quality::Written;
     if (received == NEVER && silent)
         return Quality::NoAnswer;
     if (received == NEVER)
-        return state.failed ? Quality::Failed : Quality::Waiting;
+        return isDoubted(state) ? Quality::Failed : Quality::Waiting;
     const Micros age = now - received;
-    if (state.failed || age > OLDEST_GOOD || (silent && age > timeout))
+    if (isDoubted(state) || age > limits.oldestGood || (silent && age > limits.timeout))
         return Quality::Stale;
     return Quality::Good;
 }

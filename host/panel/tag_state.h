@@ -9,11 +9,11 @@
 
 struct TagState {
     QVector<Micros> receivedAt; ///< of each byte that the tag occupies; NEVER at first
-    QByteArray raw;      ///< the value as a host read delivers it; empty until received or written
-    QString value;       ///< the same as text
-    bool failed = false; ///< its block was given up, or its station silent, since it was received
+    QByteArray raw; ///< the value as a host read delivers it; empty until received or written
+    QString value;  ///< the same as text
+    Micros doubtedAt = NEVER; ///< when its block was given up, or its station found silent before
     Micros givenUpAt = NEVER; ///< when its block was last given up
-    bool written = false;     ///< the value was written and has not been read since
+    Micros writtenAt = NEVER; ///< when a write to it was last acknowledged
     qint64 reads = 0;         ///< how often it was received whole
 };
 
@@ -36,7 +36,16 @@ void takeValue(const Tag& tag, const QByteArray& raw, TagState* state);
 /// When the oldest byte of the tag was received, NEVER when one is missing.
 Micros receivedAt(const TagState& state);
 
+/// Whether a byte of the tag is older than what speaks against it.
+bool isDoubted(const TagState& state);
+
+struct QualityLimits {
+    Micros timeout = 0;    ///< of a reply
+    Micros oldestGood = 0; ///< a value older than this needs a look
+};
+
 /// @param presence of the tag's station
-Quality qualityOf(const TagState& state, Presence presence, Micros now, Micros timeout);
+Quality qualityOf(const TagState& state, Presence presence, Micros now,
+                  const QualityLimits& limits);
 
 const char* qualityText(Quality quality);

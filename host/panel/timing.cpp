@@ -10,9 +10,8 @@ namespace
 constexpr int BITS_PER_CHARACTER = 11; // start, eight data, parity or second stop, stop
 constexpr int FASTEST_COUNTED_BAUD = 19200;
 constexpr Micros FIXED_SILENCE = 1750;
-constexpr Micros SEGMENT_GAP = 20 * MICROS_PER_MILLI; // USB adapters and networks deliver in pieces
-constexpr int LONGEST_FRAME = 256;                    // bytes of the serial-line layout
-constexpr int RECEIVE_LIMIT = 4096;                   // bytes; endless noise ends here
+constexpr int LONGEST_FRAME = 256;  // bytes of the serial-line layout
+constexpr int RECEIVE_LIMIT = 4096; // bytes; endless noise ends here
 
 } // namespace
 
@@ -30,11 +29,11 @@ Micros transmissionTime(int bytes, int baud)
     return qint64{bytes} * BITS_PER_CHARACTER * MICROS_PER_SECOND / baud;
 }
 
-ReceiveLimits receiveLimits(int requestBytes, int replyLength, int baud, Micros timeout)
+ReceiveLimits receiveLimits(int requestBytes, int replyLength, int baud, Micros timeout, Micros gap)
 {
     const int reply = replyLength == REPLY_ANY ? LONGEST_FRAME : replyLength;
     const Micros silence = silentInterval(baud);
-    return {silence, std::max(silence, SEGMENT_GAP),
+    return {silence, std::max(silence, gap),
             timeout + transmissionTime(requestBytes + reply, baud)};
 }
 

@@ -4,6 +4,8 @@
 
 #include <QStringList>
 
+#include <array>
+#include <charconv>
 #include <cstring>
 
 namespace
@@ -12,7 +14,6 @@ namespace
 constexpr int BITS_PER_BYTE = 8;
 constexpr int HEX_DIGITS_PER_BYTE = 2;
 constexpr int HEX_BASE = 16;
-constexpr int FLOAT_DIGITS = 7; // more than a 32-bit float always keeps
 
 quint32 readLittleEndian(const QByteArray& raw, int at, int width)
 {
@@ -20,6 +21,14 @@ quint32 readLittleEndian(const QByteArray& raw, int at, int width)
     for (int i = width - 1; i >= 0; --i)
         value = (value << BITS_PER_BYTE) | (at + i < raw.size() ? quint8(raw.at(at + i)) : 0U);
     return value;
+}
+
+/// As many digits as tell the value from its neighbours.
+QString floatText(float value)
+{
+    std::array<char, 32> text = {};
+    const auto end = std::to_chars(text.begin(), text.end(), value).ptr;
+    return QString::fromLatin1(text.data(), static_cast<int>(end - text.begin()));
 }
 
 } // namespace
@@ -64,7 +73,7 @@ QString textOfBits(quint32 bits, Format format, int width)
 {
     switch (format) {
     case Format::Float32:
-        return QString::number(static_cast<double>(floatOfBits(bits)), 'g', FLOAT_DIGITS);
+        return floatText(floatOfBits(bits));
     case Format::Hex:
         return QStringLiteral("0x%1").arg(bits, HEX_DIGITS_PER_BYTE * width, HEX_BASE,
                                           QLatin1Char('0'));

@@ -1,4 +1,5 @@
-// Writes handed to the driver when they are due and it has room: a full list drops without a sign.
+// Writes handed to the driver when they are due, one at a time for each station, in the order in
+// which they were asked for, and while it has room: a full list drops without a sign.
 #pragma once
 
 #include "panel.h"

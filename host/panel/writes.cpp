@@ -6,8 +6,7 @@ namespace
 {
 
 // Indexed by WriteState.
-constexpr const char* STATE_TEXTS[] = {"not yet due", "queued",  "done",
-                                       "failed",      "refused", "replaced by a newer write"};
+constexpr const char* STATE_TEXTS[] = {"waiting", "queued", "done", "failed", "refused"};
 
 /// The write to the tag that was done last: it decides what is to be read back.
 int lastDone(const QVector<Write>& writes, int tag)
@@ -77,16 +76,13 @@ void finishWrite(QVector<Write>* writes, int index, bool done, Micros now)
     Write& write = (*writes)[index];
     write.state = done ? WriteState::Done : WriteState::Failed;
     write.finishedAt = now;
-    for (Write& other : *writes)
-        if (other.tag == write.tag && other.state == WriteState::Queued &&
-            other.queuedAt < write.queuedAt)
-            other.state = WriteState::Replaced;
 }
 
-int compareReadBack(QVector<Write>* writes, int tag, const QString& value)
+int compareReadBack(QVector<Write>* writes, int tag, const QString& value, Micros receivedAt)
 {
     const int last = lastDone(*writes, tag);
-    if (last < 0 || (*writes)[last].readBack != ReadBack::Open)
+    if (last < 0 || (*writes)[last].readBack != ReadBack::Open ||
+        receivedAt <= (*writes)[last].finishedAt)
         return -1;
     Write& write = (*writes)[last];
     write.readBack = write.shown == value ? ReadBack::Same : ReadBack::Different;
@@ -100,7 +96,7 @@ bool writesGood(const QVector<Write>& writes)
         const Write& write = writes[i];
         const bool overtaken = lastDone(writes, write.tag) != i;
         const bool found = write.readBack == ReadBack::Same || overtaken;
-        if (write.state != WriteState::Replaced && !(write.state == WriteState::Done && found))
+        if (write.state != WriteState::Done || !found)
             return false;
     }
     return true;

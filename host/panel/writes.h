@@ -1,4 +1,4 @@
-// Writes asked for on the command line, from their due time to their reading back.
+// Writes that a person asked for, from their due time to their reading back.
 #pragma once
 
 #include "tag.h"
@@ -6,7 +6,7 @@
 
 #include <QVector>
 
-enum class WriteState { Waiting, Queued, Done, Failed, Refused, Replaced };
+enum class WriteState { Waiting, Queued, Done, Failed, Refused };
 enum class ReadBack { Open, Same, Different };
 
 struct Write {
@@ -28,13 +28,11 @@ QString addWrite(const QString& text, bool timed, const QVector<Tag>& tags, QVec
 /// The write that a finish callback names, -1 when none is queued under these keys.
 int findWrite(const QVector<Write>& writes, int hostKey, int hostSubKey);
 
-/// Ends a write. Earlier ones to its tag that are still queued were replaced by it: the driver
-/// serves writes in order.
 void finishWrite(QVector<Write>* writes, int index, bool done, Micros now);
 
-/// Compares a value just read with the last finished write to the tag. @return that write, -1 when
-/// there is nothing to compare
-int compareReadBack(QVector<Write>* writes, int tag, const QString& value);
+/// Compares a value with the last finished write to the tag. @param receivedAt when the value's
+/// oldest byte was received. @return that write, -1 when there is nothing to compare
+int compareReadBack(QVector<Write>* writes, int tag, const QString& value, Micros receivedAt);
 
 /// Every write was acknowledged and, but for those that a newer one overtook, read back.
 bool writesGood(const QVector<Write>& writes);

@@ -34,6 +34,8 @@ void play(Panel* panel, const QList<QByteArray>& event)
         recordFinish(0, panel->writes[event[1].toInt() - 1].hostKey, event[2] == "w",
                      event[3].toInt());
         takeDriverCallbacks(panel, nullptr);
+    } else if (event[0] == "fail") {
+        ++panel->stations[1].givenUp;
     } else if (event[0] == "store") {
         stored = static_cast<char>(event[1].toInt());
     } else if (event[0] == "reply") {
@@ -43,10 +45,10 @@ void play(Panel* panel, const QList<QByteArray>& event)
         record.length = event[3].size();
         panel->info.framesDone = event[4].toInt();
         exchanged.reply = "any";
-        takeReply(panel, request, &exchanged);
+        takeReply(panel, request, &exchanged, true);
     } else if (event[0] == "silence") {
         record.result = RESULT_RETRY;
-        takeReply(panel, request, &exchanged);
+        takeReply(panel, request, &exchanged, false);
     } else {
         QCOMPARE(addWrite(text(event[0]), false, panel->tags, &panel->writes), QString());
         panel->writes.last().state = WriteState::Queued;

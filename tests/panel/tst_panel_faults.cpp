@@ -62,7 +62,7 @@ QStringList writeOptions()
     for (int i = 0; i < WRITES; ++i)
         options
             << text("--write-at")
-            << text("%1:%2=%3").arg(0.15 * (i + 1)).arg(text(writtenTag(i))).arg(writtenValue(i));
+            << text("%1:%2=%3").arg(0.1 * (i + 1)).arg(text(writtenTag(i))).arg(writtenValue(i));
     return options;
 }
 
@@ -139,8 +139,8 @@ void PanelFaults::neverAWrongValue()
                           .arg(imageFile(directory), after, text(in[0])));
         QVERIFY(!plc.address.isEmpty());
         panel.start(text(PANEL_PROGRAM),
-                    QStringList{text("--library=" DRIVER_LIBRARY), text("--timeout=50"),
-                                text("--block=1"), text("--duration=3"), text("--format=json"),
+                    QStringList{text("--library=" DRIVER_LIBRARY), text("--timeout=100"),
+                                text("--block=1"), text("--duration=4"), text("--format=json"),
                                 text("--serial"), plc.address, tagFile(directory)} +
                         text(in[1]).split(QLatin1Char(' '), Qt::SkipEmptyParts) + writeOptions());
         QVERIFY(panel.waitForFinished(PATIENCE_MS));

@@ -26,7 +26,7 @@ void PanelTiming::limits()
 {
     const QList<QByteArray> in = given(4, ' ');
     const ReceiveLimits limits =
-        receiveLimits(in[0].toInt(), in[1].toInt(), in[2].toInt(), in[3].toLongLong());
+        receiveLimits(in[0].toInt(), in[1].toInt(), in[2].toInt(), in[3].toLongLong(), USB_GAP);
     QTEST(text("%1 %2 %3").arg(limits.silence).arg(limits.gap).arg(limits.timeout), "expected");
 }
 
@@ -44,10 +44,17 @@ void PanelTiming::lateReply()
     QStringList holds;
     for (const QByteArray& step : parts(given(1)[0], ',')) {
         const QList<QByteArray> words = step.split(' ');
-        const Asked asked = {QByteArray::fromHex(words[0]), words[1].toInt(),
-                             words[0].startsWith("16")};
-        const Micros at = words[2].toInt();
-        holds << QString::number(lateReplyHold(late, asked, at));
+        const Micros at = words[words.size() > 2 ? 2 : 1].toInt();
+        const QByteArray frame = QByteArray::fromHex(words[0]);
+        if (words.size() == 2) {
+            holds << text("late by %1").arg(noteStray(&late, frame, at));
+            continue;
+        }
+        const Asked asked = {frame, words[1].toInt(), words[0].startsWith("16")};
+        const Hold hold = holdBefore(late, asked, at);
+        holds << QString::number(hold.time);
+        if (hold.expected > 1)
+            holds.last() += text(" for %1").arg(hold.expected);
         noteOutcome(&late, asked, words.size() == 3, at, 300);
     }
     QTEST(holds.join(QLatin1Char(' ')), "expected");
@@ -57,7 +64,11 @@ void PanelTiming::foreign()
 {
     const QList<QByteArray> in = given(2);
     const Asked asked = {QByteArray::fromHex(in[0]), 7, in[0].startsWith("16")};
-    QTEST(text(isForeign(asked, QByteArray::fromHex(in[1])) ? "foreign" : "ours"), "expected");
+    const QByteArray reply = QByteArray::fromHex(in[1]);
+    QTEST(text(isForeign(asked, reply) ? "foreign" : "ours") +
+              text(isFromStation(asked, reply) ? "" : ", not of the station") +
+              text(isEchoed(asked, reply) ? ", echoed" : ""),
+          "expected");
 }
 
 void PanelTiming::stations()
@@ -103,8 +114,18 @@ void PanelTiming::backOff()
     QCOMPARE(link.error, text("gone"));
     there = true;
     QVERIFY(bringUp(&link, link.retryAt));
+    // Bytes that came make it a good link; one that was only opened was tried in vain.
+    const int failedTries = link.failedTries;
+    noteHeard(&link, 0);
+    QCOMPARE(link.failedTries, 0);
     takeDown(&link, text("cut"), 0);
+    QCOMPARE(link.failedTries, 0);
     QCOMPARE(link.retryAt, MICROS_PER_SECOND / 4);
+    QVERIFY(bringUp(&link, link.retryAt));
+    takeDown(&link, text("closed at once"), 0);
+    QCOMPARE(link.failedTries, 1);
+    QCOMPARE(link.retryAt, MICROS_PER_SECOND / 2);
+    QVERIFY(failedTries > 1);
 }
 
 QTEST_APPLESS_MAIN(PanelTiming)

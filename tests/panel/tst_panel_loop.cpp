@@ -19,6 +19,7 @@ private slots:
     void deadStation();
     void lateRepliesAreNotMixedUp();
     void linkComesBack();
+    void peerThatTakesNobody();
     void refusedUse_data() { addCases(); }
     void refusedUse();
 };
@@ -140,6 +141,19 @@ void PanelLoop::linkComesBack()
     QCOMPARE(capture(run, "link losses: (\\d+)"), text("2"));
     QCOMPARE(capture(run, "^Callbacks: (.*)$"), text("1 finished done, 0 finished failed, 0 fail"));
     QCOMPARE(valueAtEnd(run, "setpoint"), text("99"));
+}
+
+void PanelLoop::peerThatTakesNobody()
+{
+    // A device server in use by someone else takes a connection and closes it.
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    QObject::connect(&server, &QTcpServer::newConnection, &server,
+                     [&server] { server.nextPendingConnection()->abort(); });
+    QProcess panel;
+    startPanel(&panel, text("--tcp 127.0.0.1:%1 --once TAGS").arg(server.serverPort()));
+    QTRY_COMPARE_WITH_TIMEOUT(panel.state(), QProcess::NotRunning, PATIENCE_MS);
+    QCOMPARE(finishPanel(&panel).exitCode, 4);
 }
 
 void PanelLoop::refusedUse()

@@ -28,35 +28,6 @@ class ProgramTest : public QObject
 {
     Q_OBJECT
 private slots:
-    void servesAModbusMaster()
-    {
-        Plc plc("--pty --stations 1,9");
-        const Master master = connectMaster(plc.announced("pty"), 9);
-        std::array<uint16_t, 125> words = {1234, 5678};
-        std::array<uint8_t, 2000> bits = {1, 1, 0, 1};
-        QCOMPARE(modbus_write_registers(master.get(), 1000, 123, words.data()), 123);
-        QCOMPARE(modbus_write_register(master.get(), 1001, 4321), 1);
-        QCOMPARE(modbus_write_bits(master.get(), plc::QB_FREE * 8, 4, bits.data()), 4);
-        words.fill(0xFFFF);
-        QCOMPARE(modbus_read_registers(master.get(), 1000, 125, words.data()), 125);
-        QVERIFY(words == (std::array<uint16_t, 125>{1234, 4321}));
-        bits.fill(9);
-        QCOMPARE(modbus_read_bits(master.get(), plc::QB_FREE * 8, 2000, bits.data()), 2000);
-        QVERIFY(bits == (std::array<uint8_t, 2000>{1, 1, 0, 1}));
-        // The inputs follow when the machine has made its next step.
-        QTRY_VERIFY(modbus_read_input_bits(master.get(), plc::IB_FREE * 8, 8, bits.data()) == 8 &&
-                    bits[3] == 1);
-        QCOMPARE(int{bits[2]}, 0);
-
-        QCOMPARE(readWord(master, plc::MEMORY_WORDS), -EMBXILADD);
-        QCOMPARE(modbus_read_input_registers(master.get(), 0, 1, words.data()), -1);
-        QCOMPARE(errno, EMBXILFUN);
-        modbus_set_slave(master.get(), 2);
-        QCOMPARE(readWord(master, 0), -ETIMEDOUT);
-        plc.send(SIGINT);
-        QCOMPARE(plc.exitCode(), 0);
-    }
-
     void panelsComeAndGo()
     {
         const QTemporaryDir directory;

@@ -15,21 +15,11 @@ private slots:
     void readsAndWrites_data() { addCases(); }
     void readsAndWrites();
     void deafControllerComesBack();
-    void deadStation_data() { addCases(); }
-    void deadStation();
-    void lateRepliesAreNotMixedUp();
     void linkComesBack();
     void peerThatTakesNobody();
     void refusedUse_data() { addCases(); }
     void refusedUse();
 };
-
-namespace
-{
-
-constexpr char LOW_WORD = 7; // the address of one of the two words
-
-} // namespace
 
 void PanelLoop::readsAndWrites()
 {
@@ -74,44 +64,6 @@ void PanelLoop::deafControllerComesBack()
     QVERIFY(capture(run, "finished failed, (\\d+) fail").toInt() >= 1);
     QVERIFY(capture(run, "^  result +41: (\\d+) \\(no reply\\)").toInt() >= 1);
     QCOMPARE(capture(run, "Stray bytes discarded: (\\d+);"), text("0"));
-}
-
-void PanelLoop::deadStation()
-{
-    const Plc plc(text("--pty --stations 1"));
-    const Run run = runPanel(text("--serial %1 --duration 2 --retries 0 --write %2 TAGS")
-                                 .arg(plc.address, text(given(1)[0])));
-    QTEST(text("%1: %2, ").arg(run.exitCode).arg(capture(run, "^  (setpoint\\S*=5 \\w+)")) +
-              capture(run, "(\\d+ retries)"),
-          "expected");
-    QCOMPARE(valueAtEnd(run, "number"), text("1"));
-    QCOMPARE(capture(run, "^  number_2 .*@2 +(- +- +\\w+ \\w+) "), text("-         -  no answer"));
-}
-
-void PanelLoop::lateRepliesAreNotMixedUp()
-{
-    // Every reply comes half a time-out late. The first try's reply arrives during the second, the
-    // second's while the next variable would be waiting for its own, of the same shape. The value
-    // of each word is its address.
-    QTcpServer server;
-    QVERIFY(server.listen(QHostAddress::LocalHost));
-    QObject::connect(&server, &QTcpServer::newConnection, &server, [&server] {
-        QTcpSocket* peer = server.nextPendingConnection();
-        QObject::connect(peer, &QTcpSocket::readyRead, peer, [peer] {
-            const bool low = peer->readAll().at(3) == LOW_WORD;
-            const auto reply = QByteArray::fromHex(low ? "0103020007f986" : "01030203eff938");
-            QTimer::singleShot(150, peer, [peer, reply] { peer->write(reply); });
-        });
-    });
-    QProcess panel;
-    startPanel(&panel, text("--tcp 127.0.0.1:%1 --duration 3 TAGS").arg(server.serverPort()),
-               TWO_WORDS);
-    QTRY_COMPARE_WITH_TIMEOUT(panel.state(), QProcess::NotRunning, PATIENCE_MS);
-    const Run run = finishPanel(&panel);
-    for (const char* wanted : {"(low=7\\b)", "(high=1007\\b)"})
-        QVERIFY2(!capture(run, wanted).isEmpty(), qPrintable(run.output));
-    QCOMPARE(capture(run, "(low=1007|high=7\\b)"), QString());
-    QVERIFY(capture(run, "Stray bytes discarded: (\\d+);").toInt() > 0);
 }
 
 void PanelLoop::linkComesBack()

@@ -141,8 +141,9 @@ Exchanged exchange(Link* link, const Request& request, const Clock& clock)
     return result;
 }
 
-bool lostMeanwhile(Link* link)
+bool lostMeanwhile(Link* link, Micros now)
 {
-    link->device->waitForReadyRead(0);
+    if (link->device->waitForReadyRead(0) && !link->device->readAll().isEmpty())
+        noteHeard(link, now);
     return link->lost(*link->device);
 }

@@ -29,5 +29,6 @@ struct Exchanged {
 
 Exchanged exchange(Link* link, const Request& request, const Clock& clock);
 
-/// Looks at a link that is not in use. @return whether it was lost
-bool lostMeanwhile(Link* link);
+/// Looks at a link that is not in use, and throws away what came unasked. @return whether it was
+/// lost
+bool lostMeanwhile(Link* link, Micros now);

@@ -113,7 +113,7 @@ bool isWaiting(const Panel& panel)
 
 void idle(Panel* panel)
 {
-    if (panel->link.device && lostMeanwhile(&panel->link))
+    if (panel->link.device && lostMeanwhile(&panel->link, panel->clock()))
         loseLink(panel);
     const Micros pause = panel->nextTurnAt - panel->clock();
     QThread::usleep(pause > 0 && pause < IDLE_MICROS ? static_cast<unsigned long>(pause)

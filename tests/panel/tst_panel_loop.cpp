@@ -5,7 +5,6 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 
-#include <csignal>
 #include <memory>
 
 class PanelLoop : public QObject
@@ -14,7 +13,6 @@ class PanelLoop : public QObject
 private slots:
     void readsAndWrites_data() { addCases(); }
     void readsAndWrites();
-    void deafControllerComesBack();
     void linkComesBack();
     void peerThatTakesNobody();
     void refusedUse_data() { addCases(); }
@@ -40,30 +38,6 @@ void PanelLoop::readsAndWrites()
         const QByteArray tag = line.split(',')[0], valueWritten = line.split('#')[1].trimmed();
         QCOMPARE(text(tag + '=') + valueAtEnd(run, tag), text(tag + '=' + valueWritten));
     }
-}
-
-void PanelLoop::deafControllerComesBack()
-{
-    const Plc plc(text("--pty --deaf-ms 1000"));
-    QProcess panel;
-    startPanel(&panel,
-               text("--serial %1 --duration 4 --write-at 3:setpoint=77 TAGS").arg(plc.address));
-    QByteArray seen;
-    const auto sees = [&](const char* wanted) {
-        return (seen += panel.readAll()).contains(wanted);
-    };
-    QTRY_VERIFY2_WITH_TIMEOUT(sees("1 good"), seen, PATIENCE_MS);
-    QCOMPARE(::kill(static_cast<pid_t>(plc.process.processId()), SIGUSR1), 0);
-    for (const char* wanted : {"does not answer", "(stale)", "fail callback: ", "answers again"})
-        QTRY_VERIFY2_WITH_TIMEOUT(sees(wanted), seen, PATIENCE_MS);
-    Run run = finishPanel(&panel);
-    run.output.prepend(text(seen));
-    QVERIFY2(run.exitCode == 0, qPrintable(run.output));
-    QCOMPARE(capture(run, "^ +(\\d+)\\.\\d+ s +write setpoint=77 queued"), text("3"));
-    QCOMPARE(valueAtEnd(run, "setpoint"), text("77"));
-    QVERIFY(capture(run, "finished failed, (\\d+) fail").toInt() >= 1);
-    QVERIFY(capture(run, "^  result +41: (\\d+) \\(no reply\\)").toInt() >= 1);
-    QCOMPARE(capture(run, "Stray bytes discarded: (\\d+);"), text("0"));
 }
 
 void PanelLoop::linkComesBack()

@@ -11,31 +11,6 @@ class BadTest : public QObject
 {
     Q_OBJECT
 private slots:
-    /// What the master makes of its second and its third read; all others are well.
-    void faultsSeenByAMaster_data()
-    {
-        QTest::addColumn<QList<int>>("errors");
-        const auto row = [](const char* fault, int second, int third) {
-            QTest::newRow(fault) << QList<int>{0, second, third, 0};
-        };
-        row("--fault crc@2,3", EMBBADCRC, EMBBADCRC);
-        row("--fault station@2 --fault station:9@3", EMBBADSLAVE, EMBBADSLAVE);
-        row("--fault exception@2 --fault exception:6@3", EMBXSFAIL, EMBXSBUSY);
-        row("--fault drop@2=1 --fault truncate@/3", ETIMEDOUT, ETIMEDOUT);
-        row("--fault ignore@2,3=2 --fault delay:500@2,3=2", 0, 0);
-        row("--fault dead:100@2", ETIMEDOUT, 0);
-    }
-
-    void faultsSeenByAMaster()
-    {
-        Plc plc("--pty " + QByteArray(QTest::currentDataTag()));
-        const Master master = connectMaster(plc.announced("pty"), 1);
-        QList<int> seen;
-        for (int i = 0; i < 4; ++i)
-            seen << std::max(0, -readWord(master, 1000));
-        QTEST(seen, "errors");
-    }
-
     void bytesAndTimesOfFaults()
     {
         Plc plc("--tcp 127.0.0.1:0 --no-machine --fault echo@1 --fault delay:300@2 "

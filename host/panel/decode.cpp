@@ -18,7 +18,6 @@ constexpr int WRITE_REPLY_LENGTH = 8;
 constexpr int FUNCTION_OFFSET = 1;
 constexpr int THIRD_OFFSET = 2; // the byte count, the exception, the address
 constexpr int LAST_FIELD_OFFSET = 4;
-constexpr int EXCEPTION_FLAG = 0x80;
 constexpr int BITS_PER_BYTE = 8;
 
 /// Of "Modbus Application Protocol V1.1b3", section 7.

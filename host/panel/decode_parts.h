@@ -34,7 +34,8 @@ inline constexpr LineFunction LINE_FUNCTIONS[] = {
 };
 // clang-format on
 
-inline constexpr int BIT_ON = 0xFF00; ///< flag and zero byte of a single bit that is set
+inline constexpr int EXCEPTION_FLAG = 0x80; ///< set in the function code of an exception reply
+inline constexpr int BIT_ON = 0xFF00;       ///< flag and zero byte of a single bit that is set
 
 /// What a request wants, as its reply must repeat it; the initial values fit any reply.
 struct Wanted {

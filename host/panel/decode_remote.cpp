@@ -1,25 +1,17 @@
 #include "decode_remote.h"
 
 #include "../plc/wire.h"
+#include "../remote_layout.h"
 
 #include <QStringList>
 
 using plc::byteAt;
 using plc::wordAt;
+using namespace remote_layout;
 
 namespace
 {
 
-constexpr int KEY_OFFSET = 1;
-constexpr int RW_FLAG_OFFSET = 2;
-constexpr int NODE_OFFSET = 3;
-constexpr int STATION_OFFSET = 4;
-constexpr int TYPE_OFFSET = 5;
-constexpr int ADDRESS_OFFSET = 7; // 32 bits
-constexpr int COUNT_OFFSET = 11;
-constexpr int DATA_OFFSET = 21;
-constexpr int CHECKSUM_BYTES = 1;
-constexpr int SHORTEST_REQUEST = DATA_OFFSET + CHECKSUM_BYTES;
 constexpr int BITS_PER_BYTE = 8;
 constexpr int BITS_PER_WORD = 16;
 constexpr int BYTES_PER_WORD = 2;

@@ -8,12 +8,12 @@ namespace
 constexpr Micros FIRST_BACK_OFF = MICROS_PER_SECOND / 4;
 constexpr Micros LONGEST_BACK_OFF = 8 * MICROS_PER_SECOND;
 
-} // namespace
-
 Micros nextBackOff(Micros last)
 {
     return std::clamp(2 * last, FIRST_BACK_OFF, LONGEST_BACK_OFF);
 }
+
+} // namespace
 
 bool bringUp(Link* link, Micros now)
 {

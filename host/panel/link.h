@@ -37,5 +37,3 @@ void takeDown(Link* link, const QString& why, Micros now);
 
 /// Takes note of bytes that came.
 void noteHeard(Link* link, Micros now);
-
-Micros nextBackOff(Micros last);

@@ -6,31 +6,6 @@
 namespace
 {
 
-QSerialPort::Parity parityOf(char letter)
-{
-    switch (letter) {
-    case 'N':
-        return QSerialPort::NoParity;
-    case 'O':
-        return QSerialPort::OddParity;
-    default:
-        return QSerialPort::EvenParity;
-    }
-}
-
-// A pseudo-terminal has no line to set up, and the C library reports a refused parity as an error.
-bool isPseudoTerminal(const QString& device)
-{
-    return QFileInfo(device).canonicalFilePath().startsWith(QLatin1String("/dev/pts/"));
-}
-
-bool setLine(QSerialPort* port, const SerialSettings& settings)
-{
-    return port->setBaudRate(settings.baud) && port->setDataBits(QSerialPort::Data8) &&
-           port->setParity(parityOf(settings.parity)) &&
-           port->setStopBits(settings.stopBits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop);
-}
-
 /// A bare name is one of a device; anything else, or what is here under that name, is a path.
 QString devicePath(const QString& device)
 {
@@ -41,8 +16,7 @@ QString devicePath(const QString& device)
 std::unique_ptr<QIODevice> openSerial(const SerialSettings& settings, QString* error)
 {
     auto port = std::make_unique<QSerialPort>(devicePath(settings.device));
-    if (port->open(QIODevice::ReadWrite) &&
-        (isPseudoTerminal(settings.device) || setLine(port.get(), settings)))
+    if (openSerialLine(port.get(), settings))
         return port;
     *error = port->errorString();
     return nullptr;

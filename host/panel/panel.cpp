@@ -39,7 +39,10 @@ QString millisText(Micros time)
 Quality qualityAt(const Panel& panel, int tag, Micros now)
 {
     const int station = panel.tags[tag].station;
-    const Micros lastScan = panel.statistics.stations.value(station).lastScan;
+    // By reference: the counters of a station are a large record, and this runs for each tag.
+    const auto counters = panel.statistics.stations.constFind(station);
+    const Micros lastScan =
+        counters == panel.statistics.stations.constEnd() ? NEVER : counters->lastScan;
     const QualityLimits limits = {panel.timeout, std::max(OLDEST_GOOD, SCANS_GOOD * lastScan)};
     return qualityOf(panel.states[tag], presenceOf(panel, station), now, limits);
 }

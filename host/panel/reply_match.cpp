@@ -7,7 +7,6 @@ namespace
 {
 
 constexpr int STATION_OFFSET = 0, FUNCTION_OFFSET = 1, BYTE_COUNT_OFFSET = 2;
-constexpr int EXCEPTION_FLAG = 0x80;
 constexpr int EXCEPTION_LENGTH = 5;  // station, function, code, CRC
 constexpr int SHORTEST_REPLY = 4;    // station, function, CRC
 constexpr int BYTES_BESIDE_DATA = 5; // of the reply to a read: station, function, count, CRC

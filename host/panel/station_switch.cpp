@@ -14,9 +14,10 @@ void apply(Panel* panel, int station, Switch change)
 /// One answer makes one block fresh, not the station's other tags.
 void doubtTagsOf(Panel* panel, int station)
 {
+    const Micros now = panel->clock();
     for (int i = 0; i < panel->tags.size(); ++i)
         if (panel->tags[i].station == station)
-            panel->states[i].doubtedAt = panel->clock();
+            panel->states[i].doubtedAt = now;
     panel->statistics.stations[station].lastRead.clear();
 }
 

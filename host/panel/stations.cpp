@@ -48,8 +48,3 @@ Switch toggleByHand(StationWatch* station)
     station->mode = StationMode::OffByHand;
     return Switch::Off;
 }
-
-bool isOff(const StationWatch& station)
-{
-    return station.mode == StationMode::Dead || station.mode == StationMode::OffByHand;
-}

@@ -37,5 +37,3 @@ Switch probeWhenDue(StationWatch* station, Micros now);
 
 /// What a person at the keys does: off, and on again.
 Switch toggleByHand(StationWatch* station);
-
-bool isOff(const StationWatch& station);

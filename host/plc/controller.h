@@ -2,6 +2,7 @@
 #ifndef PLC_CONTROLLER_H
 #define PLC_CONTROLLER_H
 
+#include "../remote_layout.h"
 #include "answer.h"
 #include "fault_effect.h"
 #include "framer.h"
@@ -21,7 +22,8 @@ struct Framing {
     Request (*parse)(const QByteArray& frame, const Memory& memory);
 };
 inline constexpr Framing LOCAL_FRAMING = {localFrameLength, LOCAL_STATION_OFFSET, parseLocal};
-inline constexpr Framing REMOTE_FRAMING = {remoteFrameLength, REMOTE_STATION_OFFSET, parseRemote};
+inline constexpr Framing REMOTE_FRAMING = {remoteFrameLength, remote_layout::STATION_OFFSET,
+                                           parseRemote};
 
 inline constexpr int BROADCAST_STATION = 0;
 

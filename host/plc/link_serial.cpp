@@ -1,7 +1,5 @@
 #include "link_serial.h"
 
-#include <QFileInfo>
-
 #include <utility>
 
 namespace plc
@@ -10,31 +8,6 @@ namespace
 {
 /// A line that is this far behind is not taking bytes.
 constexpr qint64 MAX_UNSENT_BYTES = 64 * 1024;
-
-QSerialPort::Parity parityOf(char letter)
-{
-    switch (letter) {
-    case 'N':
-        return QSerialPort::NoParity;
-    case 'O':
-        return QSerialPort::OddParity;
-    default:
-        return QSerialPort::EvenParity;
-    }
-}
-
-// A pseudo-terminal has no line to set up, and the C library reports a refused parity as an error.
-bool isPseudoTerminal(const QString& device)
-{
-    return QFileInfo(device).canonicalFilePath().startsWith(QLatin1String("/dev/pts/"));
-}
-
-bool setLine(QSerialPort& port, const SerialSettings& settings)
-{
-    return port.setBaudRate(settings.baud) && port.setDataBits(QSerialPort::Data8) &&
-           port.setParity(parityOf(settings.parity)) &&
-           port.setStopBits(settings.stopBits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop);
-}
 
 bool isLoss(QSerialPort::SerialPortError error)
 {
@@ -52,8 +25,7 @@ SerialLink::SerialLink(Controller& controller, std::function<void(const QString&
 QString SerialLink::open(const SerialSettings& settings)
 {
     m_port.setPortName(settings.device);
-    if (!m_port.open(QIODevice::ReadWrite) ||
-        (!isPseudoTerminal(settings.device) && !setLine(m_port, settings)))
+    if (!openSerialLine(&m_port, settings))
         return QLatin1String("cannot open ") + settings.device + QLatin1String(": ") +
                m_port.errorString();
     QObject::connect(&m_port, &QSerialPort::readyRead, &m_port,

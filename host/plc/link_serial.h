@@ -2,20 +2,13 @@
 #ifndef PLC_LINK_SERIAL_H
 #define PLC_LINK_SERIAL_H
 
+#include "../serial_line.h"
 #include "session.h"
 
 #include <QSerialPort>
 
 namespace plc
 {
-/// How the bits run; there are always eight to a byte.
-struct SerialSettings {
-    QString device = {}; ///< empty: no serial port
-    int baud = 0;
-    char parity = 'E'; ///< N, E or O
-    int stopBits = 1;  ///< 1 or 2
-};
-
 class SerialLink
 {
 public:

@@ -1,5 +1,6 @@
 #include "remote.h"
 
+#include "../remote_layout.h"
 #include "wire.h"
 
 #include <talmor_kp410_port.h>
@@ -10,13 +11,7 @@ namespace plc
 {
 namespace
 {
-constexpr int RW_FLAG_OFFSET = 2;
-constexpr int TYPE_OFFSET = 5;
-constexpr int ADDRESS_OFFSET = 7;
-constexpr int LENGTH_OFFSET = 11;
-constexpr int DATA_OFFSET = 21;
-constexpr int CHECKSUM_BYTES = 1;
-constexpr int SHORTEST_LENGTH = DATA_OFFSET + CHECKSUM_BYTES;
+using namespace remote_layout;
 
 qint64 addressOf(const QByteArray& frame)
 {
@@ -107,15 +102,15 @@ Request parseWrite(int type, qint64 address, int length, const QByteArray& data,
 
 int remoteFrameLength(const QByteArray& bytes, bool /*silent*/)
 {
-    if (bytes.size() < SHORTEST_LENGTH)
+    if (bytes.size() < SHORTEST_REQUEST)
         return 0;
     // Byte 0 is the length modulo 256; the description tells about how long the frame must be.
     const bool writes = byteAt(bytes, RW_FLAG_OFFSET) == RW_WRITE;
     const int expected =
-        SHORTEST_LENGTH +
-        (writes ? valueBytes(wordAt(bytes, TYPE_OFFSET), wordAt(bytes, LENGTH_OFFSET)) : 0);
+        SHORTEST_REQUEST +
+        (writes ? valueBytes(wordAt(bytes, TYPE_OFFSET), wordAt(bytes, COUNT_OFFSET)) : 0);
     int length = expected + static_cast<qint8>(byteAt(bytes, 0) - expected);
-    if (length < SHORTEST_LENGTH)
+    if (length < SHORTEST_REQUEST)
         length += 0x100;
     if (bytes.size() < length)
         return 0;
@@ -128,14 +123,14 @@ Request parseRemote(const QByteArray& frame, const Memory& memory)
     const int rwFlag = byteAt(frame, RW_FLAG_OFFSET);
     const int type = wordAt(frame, TYPE_OFFSET);
     const qint64 address = addressOf(frame);
-    const int length = wordAt(frame, LENGTH_OFFSET);
+    const int length = wordAt(frame, COUNT_OFFSET);
     if (type >= REGISTER_TYPE_COUNT || rwFlag > RW_WRITE)
         return {FC_NONE};
     if (rwFlag == RW_READ)
         return parseRead(type, address, length);
     if (!REGISTER_TYPES[type].writable)
         return {FC_NONE};
-    const QByteArray data = frame.mid(DATA_OFFSET, frame.size() - SHORTEST_LENGTH);
+    const QByteArray data = frame.mid(DATA_OFFSET, frame.size() - SHORTEST_REQUEST);
     return parseWrite(type, address, length, data, memory);
 }
 } // namespace plc

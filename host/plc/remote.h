@@ -7,8 +7,6 @@
 
 namespace plc
 {
-inline constexpr int REMOTE_STATION_OFFSET = 4;
-
 /// As localFrameLength.
 int remoteFrameLength(const QByteArray& bytes, bool silent);
 /// The request of the local framing that does the same; it gets the same reply.

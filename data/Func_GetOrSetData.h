@@ -9,7 +9,12 @@
 /// Units: output types a bit address, a bit count and packed bits; other bit types a bit address
 /// and one byte per bit; bytes as they are; words and double words a word address and a word count,
 /// little-endian. Missing `data` bytes are 0. Nothing is stored for a length below 1, an unknown
-/// type, a negative address or an end beyond MAX_IMAGE_BYTES. Takes `storageMutex`.
+/// type, a negative address or an end beyond MAX_IMAGE_BYTES, nor when memory fails, which throws.
+/// Takes `storageMutex`.
 void WriteDataToLocal(const RW_VAR* var);
+
+/// The same for a write that is on its way to the controller, which no want of memory may hold up:
+/// the store then learns the value from the next read.
+void showWritten(const RW_VAR& var);
 
 #endif

@@ -1,8 +1,8 @@
 #include "check/Func_Check.h"
+#include "check/guarded.h"
+#include "check/locks.h"
 #include "data/Func_GetOrSetData.h"
 #include "data/image.h"
-
-#include <QMutexLocker>
 
 #include <algorithm>
 #include <cstring>
@@ -38,6 +38,20 @@ void copyValues(QByteArray& out, const QByteArray& image, const RegisterTypeInfo
     else
         std::memcpy(out.data(), image.constData() + offset, static_cast<std::size_t>(present));
 }
+
+int readStore(int type, int address, int station, QByteArray& out, int count)
+{
+    const HostAccess access = hostAccess(type, address, count);
+    if (address < 0 || !isWithinReach(access))
+        return refuse(out, count);
+
+    Locker lock(&PLC_driver.storageMutex);
+    QByteArray& image = areaImage(station, getPlcReg(type));
+    growImage(image, static_cast<int>(std::max<qint64>(access.end, 0)));
+    if (const RegisterTypeInfo* info = findRegisterType(type))
+        copyValues(out, image, *info, static_cast<int>(access.offset), count);
+    return 1;
+}
 } // namespace
 
 int GetRegisterData(int /*unused*/, int type, QString* addressText, int station, QByteArray* out,
@@ -47,14 +61,5 @@ int GetRegisterData(int /*unused*/, int type, QString* addressText, int station,
         return 0;
     out->clear();
     const int address = addressText ? PLCAddressChangeIntef(type, *addressText) : -1;
-    const HostAccess access = hostAccess(type, address, count);
-    if (address < 0 || !isWithinReach(access))
-        return refuse(*out, count);
-
-    QMutexLocker lock(&PLC_driver.storageMutex);
-    QByteArray& image = areaImage(station, getPlcReg(type));
-    growImage(image, static_cast<int>(std::max<qint64>(access.end, 0)));
-    if (const RegisterTypeInfo* info = findRegisterType(type))
-        copyValues(*out, image, *info, static_cast<int>(access.offset), count);
-    return 1;
+    return guarded(0, [=] { return readStore(type, address, station, *out, count); });
 }

@@ -1,8 +1,8 @@
 #include "check/Func_Check.h"
+#include "check/guarded.h"
+#include "check/locks.h"
 #include "data/Func_GetOrSetData.h"
 #include "data/image.h"
-
-#include <QMutexLocker>
 
 namespace
 {
@@ -35,10 +35,15 @@ void WriteDataToLocal(const RW_VAR* var)
         return;
     const bool bitBytes = info->definition == DEF_BIT && info->area != AREA_OUTPUT;
     const QByteArray data = bitBytes ? packedBits(var->data, var->length, ANY_BIT) : var->data;
-    QMutexLocker lock(&PLC_driver.storageMutex);
+    Locker lock(&PLC_driver.storageMutex);
     unsigned char* target = writableSpan(areaImage(var->station, info->area), span);
     if (isBitRecord(*info))
         putPackedBits(target, var->address % BITS_PER_BYTE, data, var->length);
     else
         putBytes(target, data, 0, static_cast<int>(span.bytes));
+}
+
+void showWritten(const RW_VAR& var)
+{
+    guarded([&var] { WriteDataToLocal(&var); });
 }

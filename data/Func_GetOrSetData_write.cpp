@@ -1,8 +1,10 @@
 #include "check/Func_Check.h"
+#include "check/guarded.h"
+#include "check/locks.h"
+#include "check/records.h"
 #include "data/Func_GetOrSetData.h"
 #include "data/write_pieces.h"
 
-#include <QMutexLocker>
 #include <QSet>
 
 namespace
@@ -14,70 +16,104 @@ void putPiece(RW_VAR& record, const WritePiece& piece)
     record.data = piece.data;
 }
 
-void storeOnly(RW_VAR& record, const RegisterTypeInfo& info, const QByteArray& value)
+/// Puts a normalised value into the record as one piece.
+void putWhole(RW_VAR& record, const RegisterTypeInfo& info, int address, int count,
+              const QByteArray& value)
 {
-    const QByteArray normal = normalisedValue(info, value, record.length);
     if (record.regType == OUTPUT_BIT)
-        putPiece(record, outputBitPiece(record.address, normal, record.length));
+        putPiece(record, outputBitPiece(address, value, count));
     else
-        putPiece(record, pieceAt(info, record.address, normal, 0, normal.size()));
-    WriteDataToLocal(&record);
+        putPiece(record, pieceAt(info, address, value, 0, value.size()));
 }
 
-int queuePiece(RW_VAR& record, const WritePiece& piece)
-{
-    putPiece(record, piece);
-    const int pending = AddListWriteVar(&record, ADD_CHECKED);
-    // While the line fails the encoder leaves the store alone, so the value is shown from here.
-    if (PLC_driver.lastFailed)
-        WriteDataToLocal(&record);
-    return pending;
-}
-
-QSet<int> pendingAddresses(int station, int regType)
+QSet<int> addressesOf(const QList<RW_VAR>& writes, int station, int regType)
 {
     QSet<int> addresses;
-    QMutexLocker lock(&PLC_driver.listMutex);
-    for (const RW_VAR& var : PLC_driver.writeList) {
+    for (const RW_VAR& var : writes) {
         if (var.station == station && var.regType == regType)
             addresses.insert(var.address);
     }
     return addresses;
 }
 
-/// Queues what is left of a write when the list is full: only a piece that replaces a pending write
-/// still has a place, so the others are not offered one by one.
-/// @param pending entries in the list
-/// @return entries in the list after the last piece that was offered
-int queueReplacements(RW_VAR& record, const RegisterTypeInfo& info, int address,
-                      const QByteArray& value, int from, int step, int pending)
+/// Puts the pieces of a normalised value into `writes`.
+void putPieces(QList<RW_VAR>& writes, RW_VAR& record, const RegisterTypeInfo& info,
+               const QByteArray& value, int step)
 {
-    const QSet<int> targets = pendingAddresses(record.station, record.regType);
-    for (int position = from; position < value.size(); position += step) {
-        const WritePiece piece = pieceAt(info, address, value, position, step);
-        if (targets.contains(piece.address))
-            pending = queuePiece(record, piece);
+    const int address = record.address;
+    int position = 0;
+    for (; position < value.size() && writes.size() < LIST_LIMIT; position += step) {
+        putPiece(record, pieceAt(info, address, value, position, step));
+        putWrite(writes, record);
     }
-    if (PLC_driver.lastFailed) {
-        putPiece(record, pieceAt(info, address, value, from, value.size() - from));
-        WriteDataToLocal(&record);
+    if (position >= value.size())
+        return;
+    // Only a piece that replaces a pending write still has a place in a full list.
+    const QSet<int> targets = addressesOf(writes, record.station, record.regType);
+    for (; !targets.isEmpty() && position < value.size(); position += step) {
+        if (!targets.contains(pieceAddress(info, address, position)))
+            continue;
+        putPiece(record, pieceAt(info, address, value, position, step));
+        putWrite(writes, record);
     }
-    return pending;
 }
 
+/// Queues the pieces of a normalised value, all or, when memory fails, none.
+/// @return entries in the list
+int queuePieces(RW_VAR& record, const RegisterTypeInfo& info, const QByteArray& value, int step)
+{
+    QList<RW_VAR> next;
+    Locker lock(&PLC_driver.listMutex);
+    next = PLC_driver.writeList;
+    putPieces(next, record, info, value, step);
+    PLC_driver.writeList.swap(next);
+    return PLC_driver.writeList.size();
+}
+
+/// @return entries in the list of writes; 0 for a value that leaves nothing to write
 int queueWrite(RW_VAR& record, const RegisterTypeInfo& info, const QByteArray& value,
                int blockLimit)
 {
     const int address = record.address;
-    if (record.regType == OUTPUT_BIT)
-        return queuePiece(record, outputBitPiece(address, value, record.length));
+    const int count = record.length;
+    if (value.isEmpty() && record.regType != OUTPUT_BIT)
+        return 0;
     const int step = bytesPerPiece(info, blockLimit, value.size());
     int pending = 0;
-    int position = 0;
-    for (; position < value.size() && pending < LIST_LIMIT; position += step)
-        pending = queuePiece(record, pieceAt(info, address, value, position, step));
-    if (position < value.size())
-        pending = queueReplacements(record, info, address, value, position, step, pending);
+    if (record.regType == OUTPUT_BIT || step >= value.size()) {
+        putWhole(record, info, address, count, value);
+        pending = AddListWriteVar(&record, ADD_CHECKED);
+    } else {
+        pending = queuePieces(record, info, value, step);
+    }
+    // While the line fails the encoder leaves the store alone, so the value is shown from here.
+    if (pending > 0 && PLC_driver.lastFailed) {
+        guarded([&] {
+            putWhole(record, info, address, count, value);
+            WriteDataToLocal(&record);
+        });
+    }
+    return pending;
+}
+
+int writeValue(RW_VAR& record, const ComInfo& settings, QByteArray& value)
+{
+    const RegisterTypeInfo* info = findRegisterType(record.regType);
+    const bool queued = settings.writeMode == WRITE_QUEUE;
+    if (!info)
+        return queued ? 0 : 1;
+    if (queued && !info->writable)
+        return 0;
+    const QByteArray normal = normalisedValue(*info, value, record.length);
+    if (!queued) {
+        putWhole(record, *info, record.address, record.length, normal);
+        WriteDataToLocal(&record);
+        return 1;
+    }
+    const int pending = queueWrite(record, *info, normal, settings.maxBlockLength);
+    if (pending > 0 ||
+        normal.isEmpty()) // else memory failed: the same value may be handed in again
+        value = normal;
     return pending;
 }
 } // namespace
@@ -89,7 +125,6 @@ int SetRegisterData(QString* label, int type, QString* addressText, int station,
     if (!label || !addressText || !value || !settings)
         return 0;
     const int address = PLCAddressChangeIntef(type, *addressText);
-    const RegisterTypeInfo* info = findRegisterType(type);
     if (address < 0 || count > MAX_ELEMENTS || !isWithinReach(hostAccess(type, address, count)))
         return 0;
 
@@ -106,13 +141,5 @@ int SetRegisterData(QString* label, int type, QString* addressText, int station,
     record.station = settings->stationPerVar != 0 ? station : settings->defaultStation;
     record.length = count;
 
-    if (settings->writeMode != WRITE_QUEUE) {
-        if (info)
-            storeOnly(record, *info, *value);
-        return 1;
-    }
-    if (!info || !info->writable)
-        return 0;
-    *value = normalisedValue(*info, *value, count);
-    return queueWrite(record, *info, *value, settings->maxBlockLength);
+    return guarded(0, [&] { return writeValue(record, *settings, *value); });
 }

@@ -57,10 +57,15 @@ WritePiece pieceAt(const RegisterTypeInfo& info, int address, const QByteArray& 
 {
     const WriteRule rule = ruleOf(info);
     const QByteArray data = value.mid(position, bytes);
-    const qint64 start = qint64{address} * rule.unitsPerElement +
-                         qint64{position} * rule.unitsPerTwoBytes / BYTES_PER_WORD;
     const qint64 length = qint64{data.size()} * rule.unitsPerTwoBytes / BYTES_PER_WORD;
-    return {wrapToInt(start), wrapToInt(length), data};
+    return {pieceAddress(info, address, position), wrapToInt(length), data};
+}
+
+int pieceAddress(const RegisterTypeInfo& info, int address, int position)
+{
+    const WriteRule rule = ruleOf(info);
+    return wrapToInt(qint64{address} * rule.unitsPerElement +
+                     qint64{position} * rule.unitsPerTwoBytes / BYTES_PER_WORD);
 }
 
 WritePiece outputBitPiece(int address, const QByteArray& value, int count)

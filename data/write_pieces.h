@@ -27,6 +27,9 @@ int bytesPerPiece(const RegisterTypeInfo& info, int blockLimit, int total);
 WritePiece pieceAt(const RegisterTypeInfo& info, int address, const QByteArray& value, int position,
                    int bytes);
 
+/// Where that piece starts: its `address`.
+int pieceAddress(const RegisterTypeInfo& info, int address, int position);
+
 /// The whole write of `count` output bits as one piece: bit 0 of each value byte, packed.
 WritePiece outputBitPiece(int address, const QByteArray& value, int count);
 

@@ -4,17 +4,28 @@
 
 #include "talmor_kp410_port.h"
 
+#include "check/guarded.h"
+
 /// Copies every field of `from` into `to` except `data`, which it empties.
 void passRetValue(const RW_VAR& from, RW_VAR& to);
 
 /// @return true when `station` is switched off. Takes `stationMutex`.
 bool Ethernetcontains(int station);
 
-/// Moves the first entry of `list`, which must have one, to its end. Hold `listMutex`.
+/// Moves the first entry of `list`, which must have one, to its end. Only a list that the runtime
+/// holds a copy of needs memory for it. Hold `listMutex`.
 inline void rotate(QList<RW_VAR>& list)
 {
-    // Not QList::move, which shifts the whole list when its buffer is full.
-    list.append(list.takeFirst());
+    list.detach();
+    const bool moved = guarded(false, [&list] {
+        list.append(list.at(0));
+        return true;
+    });
+    // Second choice, since it shifts the whole list when its buffer is full.
+    if (!moved)
+        list.move(0, list.size() - 1);
+    else
+        list.removeFirst();
 }
 
 #endif

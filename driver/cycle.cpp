@@ -1,15 +1,24 @@
 #include "check/arith.h"
+#include "check/guarded.h"
+#include "check/locks.h"
 #include "driver/Communication_Protocol.h"
 #include "driver/dispatch.h"
 #include "driver/finish.h"
-
-#include <QMutexLocker>
 
 namespace
 {
 bool isGood(int code)
 {
     return code == RESULT_GOOD || code == RESULT_GOOD_REMOTE;
+}
+
+/// The result code of a reply. One that there is no memory to store or to merge is as good as none.
+int judge(QByteArray* reply, int length, bool remote)
+{
+    const int missing = GetDriverReturnValue(remote ? REMOTE_MISSING : LOCAL_MISSING);
+    return guarded(missing, [=] {
+        return remote ? DealDataOfRemoteArea(reply, length) : DealDataOfLocalArea(reply, length);
+    });
 }
 
 /// Counts a completed variable towards the full pass over the cyclic list.
@@ -27,8 +36,8 @@ void countTowardsScan(ComInfo& settings)
 /// @return the result code of the step
 int takeGoodReply(ComInfo& settings, int code, bool remote)
 {
+    PLC_driver.frameList.removeFirst(); // the last that may throw: the runtime may hold a copy
     PLC_driver.lastFailed = false;
-    PLC_driver.frameList.removeFirst();
     settings.framesDone = wrapAdd(settings.framesDone, 1);
     // A frame that waits speaks against counters that the runtime has changed under way.
     if (settings.framesDone < settings.frameCount || !PLC_driver.frameList.isEmpty())
@@ -64,11 +73,13 @@ RW_VAR* DataCom(QByteArray* reply, int length)
         return &served;
 
     const bool remote = PLC_driver.frameList.at(0).var.nodeId != settings->ownNode;
-    const int code =
-        remote ? DealDataOfRemoteArea(reply, length) : DealDataOfLocalArea(reply, length);
-    QMutexLocker lock(&PLC_driver.listMutex);
-    const int result = isGood(code) ? takeGoodReply(*settings, code, remote)
-                                    : takeFailedReply(*settings, code, remote);
+    const int code = judge(reply, length, remote);
+    Locker lock(&PLC_driver.listMutex);
+    const int result = guarded(int{RESULT_RETRY}, [=] {
+        prepareToFinish();
+        return isGood(code) ? takeGoodReply(*settings, code, remote)
+                            : takeFailedReply(*settings, code, remote);
+    });
     served.result = result;
     return &served;
 }

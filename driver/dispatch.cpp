@@ -1,9 +1,8 @@
 #include "driver/dispatch.h"
 
 #include "check/Func_Check.h"
+#include "check/locks.h"
 #include "data/Func_DealData.h"
-
-#include <QMutexLocker>
 
 namespace
 {
@@ -39,15 +38,15 @@ constexpr Outcome remoteOf(Outcome local)
 void storeLocal(const QByteArray& reply, int length)
 {
     QByteArray frame = reply.left(length);
-    QMutexLocker lists(completesWrite(headFrame()) ? &PLC_driver.listMutex : nullptr);
-    QMutexLocker storage(&PLC_driver.storageMutex);
+    Locker lists(completesWrite(headFrame()) ? &PLC_driver.listMutex : nullptr);
+    Locker storage(&PLC_driver.storageMutex);
     SaveToLocalDataErea(&frame);
 }
 
 int completeRemoteWrite(const QByteArray& reply, int length)
 {
     QByteArray frame = reply.left(length);
-    QMutexLocker lists(&PLC_driver.listMutex);
+    Locker lists(&PLC_driver.listMutex);
     SaveToLocalDataErea(&frame);
     return GetDriverReturnValue(PLC_driver.comInfo->framesDone == 1 ? REMOTE_GOOD : LOCAL_GOOD);
 }

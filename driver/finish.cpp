@@ -1,5 +1,6 @@
 #include "driver/finish.h"
 
+#include "check/guarded.h"
 #include "check/records.h"
 #include "driver/Communication_Protocol.h"
 
@@ -34,15 +35,18 @@ void reportCompletion(const ComInfo& settings, const QList<RW_VAR>& queue, bool 
     if (!PLC_driver.finishCallback || (!failed && headHasDuplicate(queue)))
         return;
     const RW_VAR& head = queue.at(0);
-    PLC_driver.finishCallback(settings.hostCookie, head.hostKey, head.hostSubKey,
-                              failed ? FINISH_FAILED : FINISH_DONE);
+    const int state = failed ? FINISH_FAILED : FINISH_DONE;
+    // What ends is not to be held up, and told once more, by a callback that runs out of memory.
+    guarded([&] {
+        PLC_driver.finishCallback(settings.hostCookie, head.hostKey, head.hostSubKey, state);
+    });
 }
 
 void reportFailure()
 {
     QList<RW_VAR> none;
     if (PLC_driver.failCallback)
-        PLC_driver.failCallback(&none, PLC_driver.retVar.hostKey, 1);
+        guarded([&none] { PLC_driver.failCallback(&none, PLC_driver.retVar.hostKey, 1); });
 }
 
 void purgeGroup(QList<RW_VAR>& queue, const RW_VAR& failed, bool anyStation)
@@ -57,6 +61,14 @@ void purgeGroup(QList<RW_VAR>& queue, const RW_VAR& failed, bool anyStation)
 }
 } // namespace
 
+void prepareToFinish()
+{
+    QList<RW_VAR>* queue = queueOf(PLC_driver.currentSource);
+    QList<RW_VAR>& list = queue ? *queue : PLC_driver.readList;
+    if (!list.isEmpty())
+        list.detach();
+}
+
 void finishVariable(const ComInfo& settings, Ending ending, bool remote)
 {
     const bool failed = ending == GIVEN_UP;
@@ -65,10 +77,10 @@ void finishVariable(const ComInfo& settings, Ending ending, bool remote)
     if (queue && !queue->isEmpty()) {
         if (source == SOURCE_WRITE || !remote)
             reportCompletion(settings, *queue, failed);
-        passRetValue(queue->first(), PLC_driver.retVar);
+        passRetValue(queue->at(0), PLC_driver.retVar);
         queue->removeFirst();
     } else if (source == SOURCE_READ && !PLC_driver.readList.isEmpty()) {
-        passRetValue(PLC_driver.readList.first(), PLC_driver.retVar);
+        passRetValue(PLC_driver.readList.at(0), PLC_driver.retVar);
         rotate(PLC_driver.readList);
     }
     if (!failed)

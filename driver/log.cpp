@@ -1,5 +1,6 @@
 #include "driver/log.h"
 
+#include "check/guarded.h"
 #include "talmor_kp410_port.h"
 
 #include <QFile>
@@ -12,6 +13,18 @@ bool check = true;
 QByteArray padded(int number, int digits)
 {
     return QByteArray::number(number).rightJustified(digits, '0');
+}
+
+void writeLine(const char* message)
+{
+    const QByteArray line = logLine(QDateTime::currentDateTime(), message);
+    QFile file(QString::fromLatin1("debug.log"));
+    const QIODevice::OpenMode fresh = QIODevice::WriteOnly;
+    const QIODevice::OpenMode mode = check ? fresh : fresh | QIODevice::Append;
+    const bool open = file.open(mode);
+    check = false;
+    if (open)
+        file.write(line);
 }
 } // namespace
 
@@ -27,13 +40,6 @@ QByteArray logLine(const QDateTime& when, const char* message)
 
 void customMessageHandler(QtMsgType /*type*/, const char* message)
 {
-    if (!message)
-        return;
-    QFile file(QString::fromLatin1("debug.log"));
-    const QIODevice::OpenMode fresh = QIODevice::WriteOnly;
-    const QIODevice::OpenMode mode = check ? fresh : fresh | QIODevice::Append;
-    check = false;
-    if (!file.open(mode))
-        return;
-    file.write(logLine(QDateTime::currentDateTime(), message));
+    if (message)
+        guarded([message] { writeLine(message); });
 }

@@ -1,10 +1,10 @@
+#include "check/guarded.h"
+#include "check/locks.h"
 #include "driver/Communication_Protocol.h"
 #include "driver/finish.h"
 #include "encode/Func_Read.h"
 #include "encode/Func_Remote.h"
 #include "encode/Func_Write.h"
-
-#include <QMutexLocker>
 
 namespace
 {
@@ -43,17 +43,19 @@ bool startHead(const ComInfo& settings, int source, QList<RW_VAR>& list)
 /// it. No reply has judged it, so its result is none of theirs.
 void giveUpHead(const ComInfo& settings, const QList<RW_VAR>& list)
 {
+    prepareToFinish();
     finishVariable(settings, GIVEN_UP, list.at(0).nodeId != settings.ownNode);
     PLC_driver.retVar.result = RESULT_UNKNOWN;
 }
 
-/// Starts the next write or one-shot read within the limit of its burst.
+/// Starts the next write or one-shot read within the limit of its burst. One that memory fails
+/// counts too, or it would hold back all others.
 bool startQueued(const ComInfo& settings, int source, QList<RW_VAR>& list, int& burst)
 {
     if (list.isEmpty() || burst >= BURST_LIMIT)
         return false;
-    const bool started = startHead(settings, source, list);
     ++burst;
+    const bool started = startHead(settings, source, list);
     if (started && PLC_driver.frameList.isEmpty())
         giveUpHead(settings, list);
     return started;
@@ -69,26 +71,30 @@ void startNext(ComInfo& settings)
     if (startQueued(settings, SOURCE_WRITE, PLC_driver.writeList, PLC_driver.writeBurst) ||
         startQueued(settings, SOURCE_ONCE, PLC_driver.onceReadList, PLC_driver.onceReadBurst))
         return;
-    if (!startCyclic(settings))
-        settings.scanDone = 1;
     PLC_driver.writeBurst = 0;
     PLC_driver.onceReadBurst = 0;
+    if (!startCyclic(settings))
+        settings.scanDone = 1;
 }
 
 Protocol* headFrame()
 {
     return PLC_driver.frameList.isEmpty() ? nullptr : &PLC_driver.frameList.first();
 }
+
+Protocol* nextFrame(ComInfo& settings)
+{
+    if (Protocol* pending = headFrame())
+        return pending;
+    Locker lock(&PLC_driver.listMutex);
+    startNext(settings);
+    return headFrame();
+}
 } // namespace
 
 Protocol* ComCommunication()
 {
     ComInfo* settings = PLC_driver.comInfo;
-    if (!settings)
-        return nullptr;
-    if (Protocol* pending = headFrame())
-        return pending;
-    QMutexLocker lock(&PLC_driver.listMutex);
-    startNext(*settings);
-    return headFrame();
+    Protocol* const none = nullptr;
+    return settings ? guarded(none, [settings] { return nextFrame(*settings); }) : none;
 }

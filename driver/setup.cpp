@@ -1,6 +1,6 @@
+#include "check/guarded.h"
+#include "check/locks.h"
 #include "driver/Communication_Protocol.h"
-
-#include <QMutexLocker>
 
 void SetComInfo(ComInfo* info)
 {
@@ -33,13 +33,15 @@ void EnCommStation(int station, int enable)
 {
     constexpr int off = 0;
     constexpr int on = 1;
-    QMutexLocker lock(&PLC_driver.stationMutex);
-    if (station < 0)
-        PLC_driver.stationMap.clear();
-    else if (enable == off)
-        PLC_driver.stationMap.insert(station, 0);
-    else if (enable == on)
-        PLC_driver.stationMap.remove(station);
+    guarded([=] {
+        Locker lock(&PLC_driver.stationMutex);
+        if (station < 0)
+            PLC_driver.stationMap.clear();
+        else if (enable == off)
+            PLC_driver.stationMap.insert(station, 0);
+        else if (enable == on)
+            PLC_driver.stationMap.remove(station);
+    });
 }
 
 void EnableEthernet(int station, int enable)
@@ -49,6 +51,6 @@ void EnableEthernet(int station, int enable)
 
 bool Ethernetcontains(int station)
 {
-    QMutexLocker lock(&PLC_driver.stationMutex);
+    Locker lock(&PLC_driver.stationMutex);
     return PLC_driver.stationMap.contains(station);
 }

@@ -13,5 +13,5 @@ void Remote_WriteVar(const RW_VAR* var)
 {
     queueFrame(remoteRequest(*var, var->data), var->station == 0 ? NO_REPLY : WRITE_REPLY, *var);
     beginRequest(1);
-    WriteDataToLocal(var);
+    showWritten(*var);
 }

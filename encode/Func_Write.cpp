@@ -1,6 +1,7 @@
 #include "encode/Func_Write.h"
 
 #include "check/Func_Check.h"
+#include "check/guarded.h"
 #include "data/Func_GetOrSetData.h"
 #include "encode/queue.h"
 
@@ -35,7 +36,7 @@ void WriteRegister(const RW_VAR* var)
         return;
     encode(var);
     if (!PLC_driver.lastFailed)
-        WriteDataToLocal(var);
+        showWritten(*var);
 }
 
 void Write_Q(const RW_VAR* var)
@@ -92,6 +93,7 @@ void WriteBool_WordOfBit(const RW_VAR* var)
     else if (var->regType == MEMORY_BYTE)
         step.address = var->address / BYTES_PER_WORD;
 
+    Appending<Protocol> pair(PLC_driver.frameList);
     step.rwFlag = RW_READ;
     step.rmwStep = RMW_READ_STEP;
     queueFrame(readRequest(var->station, FC_READ_MEMORY_WORDS, step.address, 1),
@@ -103,5 +105,6 @@ void WriteBool_WordOfBit(const RW_VAR* var)
     append16(frame, 0); // the value and the CRC are known when the read has been answered
     append16(frame, 0);
     queueFrame(frame, WRITE_REPLY, step);
+    pair.keep();
     beginRequest(2);
 }

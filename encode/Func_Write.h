@@ -17,8 +17,8 @@ void Write_SM(const RW_VAR* var); ///< one special bit, one frame
 void WriteAnalog(const RW_VAR* var);
 
 /// One bit or byte of the memory area: a read of its word, then a write of that word which
-/// SpecialRegisterSave completes. Nothing for station 0, which would never answer the read, nor for
-/// a negative address, whose write could not be completed.
+/// SpecialRegisterSave completes; both or, when memory fails, none. Nothing for station 0, which
+/// would never answer the read, nor for a negative address, whose write could not be completed.
 void WriteBool_WordOfBit(const RW_VAR* var);
 
 #endif

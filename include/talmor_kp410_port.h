@@ -18,9 +18,11 @@
  * taken in this order: `listMutex`, then `stationMutex` or `storageMutex`, never those two
  * together.
  *
- * Errors are values; nothing but a failed allocation throws. A null pointer, or a call before
- * `SetComInfo` of a function that needs the settings record, gets the neutral result: a null frame,
- * `retVar` with result 1, or 0.
+ * Errors are values; nothing throws, and a callback may throw std::bad_alloc only. A null pointer,
+ * or a call before `SetComInfo` of a function that needs the settings record, gets the neutral
+ * result: a null frame, `retVar` with result 1, or 0. So does a call that memory fails: lists and
+ * arguments are as before, the call can be repeated. `DataCom` takes a reply that it has no memory
+ * for as none (41); a write whose value the store has no memory for is sent without it.
  *
  * Byte order. On the wire 16-bit fields are big-endian and a double word travels low-order word
  * first. In the store and in every array exchanged with the runtime, values are little-endian and
@@ -330,8 +332,8 @@ TALMOR_EXPORT int ReCreatReadVarList(QList<VAR_DESC>* vars);
 /// No lock.
 TALMOR_EXPORT void WhetherGroup(int length, int maxLength, RW_VAR* var, QList<RW_VAR>* out);
 
-/// @return the element address of `text` in the notation of `type`; negative when it has none.
-/// Text that is not a decimal integer counts as 0. Pure.
+/// @return the element address of `text` in the notation of `type`; negative when it has none or
+/// memory fails. Text that is not a decimal integer counts as 0. Pure.
 TALMOR_EXPORT int PLCAddressChangeIntef(int type, QString text);
 
 // ---- Data access -------------------------------------------------------------------------------
@@ -342,7 +344,7 @@ TALMOR_EXPORT int PLCAddressChangeIntef(int type, QString text);
 ///        2 * `count` bytes; double words: 4 * ((`count` + 1) / 2) bytes; unknown type: empty
 /// @param count elements; 16-bit words for double words
 /// @return 1; 0 for an address that is bad or beyond MAX_IMAGE_BYTES (`out` then holds 2 * `count`
-///         zero bytes, or nothing where that exceeds MAX_IMAGE_BYTES). Takes `storageMutex`.
+///         zero bytes, or nothing: beyond MAX_IMAGE_BYTES, without memory). Takes `storageMutex`.
 TALMOR_EXPORT int GetRegisterData(int unused, int type, QString* addressText, int station,
                                   QByteArray* out, int count);
 
@@ -351,13 +353,12 @@ TALMOR_EXPORT int GetRegisterData(int unused, int type, QString* addressText, in
 /// @param label text carried with the write
 /// @param station used while `stationPerVar` is nonzero, else `defaultStation` is
 /// @param value bits: a byte each (OUTPUT_BIT: bit 0, others: any nonzero is 1); bytes: a 16-bit
-/// slot each, low byte first; words: 2 bytes each;
-///        double words: 4 bytes each. Missing bytes are 0. When queued, cut and padded in place
-///        to what was taken from it.
+///        slot each, low byte first; words: 2 bytes each; double words: 4 bytes each. Missing bytes
+///        are 0. When queued, cut and padded in place to what was taken from it.
 /// @param count elements; 16-bit words for double words; at most MAX_ELEMENTS
 /// @return entries in `writeList` after the last piece; 1 for store-only; 0 when refused (bad
-///         address, type not writable, beyond MAX_IMAGE_BYTES, nothing to write). A full list drops
-///         pieces without a sign. Takes `listMutex` and `storageMutex`, one after the other.
+///         address, type not writable, beyond MAX_IMAGE_BYTES, nothing to write, no memory for all
+///         its pieces). A full list drops some silently. Takes `listMutex`, `storageMutex` in turn.
 TALMOR_EXPORT int SetRegisterData(QString* label, int type, QString* addressText, int station,
                                   QByteArray* value, int count, int hostKey, int hostSubKey);
 

@@ -1,5 +1,6 @@
 #include "check/Func_Check.h"
 #include "check/arith.h"
+#include "check/guarded.h"
 #include "lists/Func_Initi.h"
 
 int StringAddressToInt(int type, QString text)
@@ -16,5 +17,6 @@ int StringAddressToInt(int type, QString text)
 
 int PLCAddressChangeIntef(int type, QString text)
 {
-    return StringAddressToInt(type, text);
+    constexpr int none = -1;
+    return guarded(none, [&] { return StringAddressToInt(type, text); });
 }

@@ -1,9 +1,9 @@
 #include "check/Func_Check.h"
 #include "check/arith.h"
+#include "check/guarded.h"
+#include "check/locks.h"
 #include "lists/Func_Initi.h"
 #include "lists/pieces.h"
-
-#include <QMutexLocker>
 
 #include <algorithm>
 #include <limits>
@@ -69,6 +69,39 @@ Groups groupsOf(const QList<VAR_DESC>& vars, const ComInfo& settings)
     return groups;
 }
 
+QList<RW_VAR> blocksOf(const QList<VAR_DESC>& vars, const ComInfo& settings)
+{
+    QList<RW_VAR> blocks;
+    Groups groups = groupsOf(vars, settings);
+    for (QMap<int, QList<RW_VAR>>& areas : groups) {
+        for (QList<RW_VAR>& group : areas) {
+            Bubble_Sort(&group);
+            BitVarReCreat(&group, settings.maxBlockLength, blocks);
+        }
+    }
+    return blocks;
+}
+
+/// Appends all pieces, or none and leaves `var` as it is.
+void appendPieces(int length, int maxLength, RW_VAR& var, QList<RW_VAR>& out)
+{
+    if (length <= maxLength || maxLength < 1) {
+        out.append(var);
+        return;
+    }
+    if (length > MAX_ELEMENTS)
+        return;
+    const Pieces pieces = cutLength(length, maxLength);
+    Appending<RW_VAR> appending(out);
+    RW_VAR piece = var;
+    for (qint64 i = 0; i < pieces.count; ++i) {
+        setPiece(piece, pieces, var.address, i);
+        out.append(piece);
+    }
+    var = piece;
+    appending.keep();
+}
+
 bool startsBefore(const RW_VAR& a, const RW_VAR& b)
 {
     return a.address < b.address;
@@ -80,24 +113,24 @@ void Bubble_Sort(QList<RW_VAR>* list)
     std::stable_sort(list->begin(), list->end(), startsBefore);
 }
 
-void addressAdd(RW_VAR& block, int maxLength, bool appendRest)
+void addressAdd(RW_VAR& block, int maxLength, bool appendRest, QList<RW_VAR>& out)
 {
     while (maxLength >= 1 && block.length >= maxLength) {
-        PLC_driver.readList.append(block);
-        PLC_driver.readList.last().length = maxLength;
+        out.append(block);
+        out.last().length = maxLength;
         block.address += maxLength;
         block.length -= maxLength;
     }
     if (appendRest && block.length > 0)
-        PLC_driver.readList.append(block);
+        out.append(block);
 }
 
-void BitVarReCreat(const QList<RW_VAR>* group, int maxLength)
+void BitVarReCreat(const QList<RW_VAR>* group, int maxLength, QList<RW_VAR>& out)
 {
     if (group->isEmpty())
         return;
     RW_VAR block = group->at(0);
-    addressAdd(block, maxLength, false);
+    addressAdd(block, maxLength, false, out);
     for (int i = 1; i < group->size(); ++i) {
         const RW_VAR& next = group->at(i);
         const qint64 merged = std::max(endOf(block), endOf(next)) - block.address;
@@ -106,11 +139,11 @@ void BitVarReCreat(const QList<RW_VAR>* group, int maxLength)
         } else if (reaches(block, next, maxLength)) {
             block.length = clampToCount(merged);
         } else {
-            addressAdd(block, maxLength, true);
+            addressAdd(block, maxLength, true, out);
             block = next;
         }
     }
-    addressAdd(block, maxLength, true);
+    addressAdd(block, maxLength, true, out);
 }
 
 int ReCreatReadVarList(QList<VAR_DESC>* vars)
@@ -118,36 +151,21 @@ int ReCreatReadVarList(QList<VAR_DESC>* vars)
     ComInfo* settings = PLC_driver.comInfo;
     if (!vars || (!settings && !vars->isEmpty()))
         return 0;
-    QMutexLocker lock(&PLC_driver.listMutex);
-    PLC_driver.readList.clear();
-    if (vars->isEmpty())
-        return 0;
-    PLC_driver.scanCount = 0;
-    settings->scanDone = 0;
-    Groups groups = groupsOf(*vars, *settings);
-    for (QMap<int, QList<RW_VAR>>& areas : groups) {
-        for (QList<RW_VAR>& group : areas) {
-            Bubble_Sort(&group);
-            BitVarReCreat(&group, settings->maxBlockLength);
+    return guarded(0, [=] {
+        Locker lock(&PLC_driver.listMutex);
+        QList<RW_VAR> blocks = vars->isEmpty() ? QList<RW_VAR>() : blocksOf(*vars, *settings);
+        PLC_driver.readList.swap(blocks);
+        if (!vars->isEmpty()) {
+            PLC_driver.scanCount = 0;
+            settings->scanDone = 0;
         }
-    }
-    return PLC_driver.readList.size();
+        return PLC_driver.readList.size();
+    });
 }
 
 void WhetherGroup(int length, int maxLength, RW_VAR* var, QList<RW_VAR>* out)
 {
     if (!var || !out || length < 0)
         return;
-    if (length <= maxLength || maxLength < 1) {
-        out->append(*var);
-        return;
-    }
-    if (length > MAX_ELEMENTS)
-        return;
-    const Pieces pieces = cutLength(length, maxLength);
-    const int start = var->address;
-    for (qint64 i = 0; i < pieces.count; ++i) {
-        setPiece(*var, pieces, start, i);
-        out->append(*var);
-    }
+    guarded([=] { appendPieces(length, maxLength, *var, *out); });
 }

@@ -1,3 +1,5 @@
+include(cmake/Hardening.cmake)
+
 # The driver: one set of objects, linked into the library that a runtime loads and into the tests,
 # which need the internal functions that the library does not export.
 add_library(kp410_core OBJECT
@@ -27,14 +29,14 @@ add_library(kp410_core OBJECT
   lists/Func_Initi_regroup.cpp
   lists/pieces.cpp)
 target_include_directories(kp410_core PUBLIC ${CMAKE_SOURCE_DIR}/include ${CMAKE_SOURCE_DIR})
-target_link_libraries(kp410_core PUBLIC Qt5::Core PRIVATE kp410_warnings)
+target_link_libraries(kp410_core PUBLIC Qt5::Core PRIVATE kp410_warnings kp410_hardening)
 set_target_properties(kp410_core PROPERTIES
   POSITION_INDEPENDENT_CODE ON
   CXX_VISIBILITY_PRESET hidden
   VISIBILITY_INLINES_HIDDEN ON)
 
 add_library(talmor_kp410_port SHARED)
-target_link_libraries(talmor_kp410_port PRIVATE kp410_core kp410_warnings Qt5::Core)
+target_link_libraries(talmor_kp410_port PRIVATE kp410_core kp410_warnings kp410_hardening Qt5::Core)
 target_include_directories(talmor_kp410_port INTERFACE ${CMAKE_SOURCE_DIR}/include)
 set_target_properties(talmor_kp410_port PROPERTIES
   VERSION ${PROJECT_VERSION}
@@ -44,10 +46,7 @@ set_target_properties(talmor_kp410_port PROPERTIES
 # -Bsymbolic: the runtime may have objects called LB or LW of its own; ours must stay ours.
 target_link_options(talmor_kp410_port PRIVATE
   -Wl,--version-script=${CMAKE_SOURCE_DIR}/cmake/exports.map
-  -Wl,-Bsymbolic -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
-if(NOT KP410_SANITIZE)
-  target_link_options(talmor_kp410_port PRIVATE -Wl,-z,defs)
-endif()
+  -Wl,-Bsymbolic)
 
 install(TARGETS talmor_kp410_port LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(FILES include/talmor_kp410_port.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})

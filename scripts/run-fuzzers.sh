@@ -11,12 +11,18 @@ log "Building preset fuzz"
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz | tail -1
 
+log_file=$(mktemp)
+trap 'rm -f "$log_file"' EXIT
+
 for target in reply calls regroup; do
     log "fuzz_$target for $seconds seconds"
     found=build/fuzz/found/$target
     mkdir -p "$found"
-    build/fuzz/bin/fuzz_$target -max_total_time="$seconds" -max_len=600 -timeout=20 \
+    if ! build/fuzz/bin/fuzz_$target -max_total_time="$seconds" -max_len=600 -timeout=20 \
         -rss_limit_mb=2048 -print_final_stats=1 -artifact_prefix="$found-" \
-        "$found" fuzz/corpus/$target 2>&1 |
-        grep -vE '^#[0-9]+[[:space:]]+(NEW|REDUCE|RELOAD|pulse)|Uses:|dictionary|^INFO'
+        "$found" fuzz/corpus/$target >"$log_file" 2>&1; then
+        tail -60 "$log_file"
+        exit 1
+    fi
+    grep -E '^#[0-9]+[[:space:]]+DONE|^stat::number_of_executed' "$log_file"
 done

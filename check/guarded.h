@@ -51,4 +51,26 @@ private:
     bool kept = false;
 };
 
+/// Empties a list to be filled anew, and brings the old entries back unless `keep` is called.
+template <typename Entry>
+class Refilling
+{
+public:
+    explicit Refilling(QList<Entry>& to) : list(to) { list.swap(before); }
+    ~Refilling()
+    {
+        if (!kept)
+            list.swap(before);
+    }
+    Refilling(const Refilling&) = delete;
+    Refilling& operator=(const Refilling&) = delete;
+
+    void keep() { kept = true; }
+
+private:
+    QList<Entry>& list;
+    QList<Entry> before;
+    bool kept = false;
+};
+
 #endif

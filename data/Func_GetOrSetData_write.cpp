@@ -5,7 +5,7 @@
 #include "data/Func_GetOrSetData.h"
 #include "data/write_pieces.h"
 
-#include <QSet>
+#include <algorithm>
 
 namespace
 {
@@ -26,48 +26,52 @@ void putWhole(RW_VAR& record, const RegisterTypeInfo& info, int address, int cou
         putPiece(record, pieceAt(info, address, value, 0, value.size()));
 }
 
-QSet<int> addressesOf(const QList<RW_VAR>& writes, int station, int regType)
+/// The pieces of a value whose writes are pending already: position in the value, index in
+/// `writes`. Of several the first counts. Never the head: it is the one that may be on the wire.
+QMap<int, int> pendingPieces(const QList<RW_VAR>& writes, const RW_VAR& record,
+                             const RegisterTypeInfo& info, int total, int step)
 {
-    QSet<int> addresses;
-    for (const RW_VAR& var : writes) {
-        if (var.station == station && var.regType == regType)
-            addresses.insert(var.address);
-    }
-    return addresses;
-}
-
-/// Puts the pieces of a normalised value into `writes`.
-void putPieces(QList<RW_VAR>& writes, RW_VAR& record, const RegisterTypeInfo& info,
-               const QByteArray& value, int step)
-{
-    const int address = record.address;
-    int position = 0;
-    for (; position < value.size() && writes.size() < LIST_LIMIT; position += step) {
-        putPiece(record, pieceAt(info, address, value, position, step));
-        putWrite(writes, record);
-    }
-    if (position >= value.size())
-        return;
-    // Only a piece that replaces a pending write still has a place in a full list.
-    const QSet<int> targets = addressesOf(writes, record.station, record.regType);
-    for (; !targets.isEmpty() && position < value.size(); position += step) {
-        if (!targets.contains(pieceAddress(info, address, position)))
+    QMap<int, int> pending;
+    for (int i = writes.size() - 1; i >= 1; --i) {
+        const RW_VAR& var = writes.at(i);
+        if (var.station != record.station || var.regType != record.regType)
             continue;
-        putPiece(record, pieceAt(info, address, value, position, step));
-        putWrite(writes, record);
+        const qint64 position = piecePosition(info, record.address, var.address);
+        if (position >= 0 && position < total && position % step == 0 &&
+            var.length == pieceLength(info, std::min<qint64>(step, total - position)))
+            pending[static_cast<int>(position)] = i;
     }
+    return pending;
 }
 
-/// Queues the pieces of a normalised value, all or, when memory fails, none.
+/// Queues the pieces of a normalised value, all or, when memory fails, none: those that are pending
+/// replace their writes, the others go to the end of a list that is not full.
 /// @return entries in the list
-int queuePieces(RW_VAR& record, const RegisterTypeInfo& info, const QByteArray& value, int step)
+int queuePieces(const RW_VAR& record, const RegisterTypeInfo& info, const QByteArray& value,
+                int step)
 {
-    QList<RW_VAR> next;
+    const auto pieceFrom = [&](int position) {
+        RW_VAR piece = record;
+        putPiece(piece, pieceAt(info, record.address, value, position, step));
+        return piece;
+    };
     Locker lock(&PLC_driver.listMutex);
-    next = PLC_driver.writeList;
-    putPieces(next, record, info, value, step);
-    PLC_driver.writeList.swap(next);
-    return PLC_driver.writeList.size();
+    QList<RW_VAR>& writes = PLC_driver.writeList;
+    const QMap<int, int> pending = pendingPieces(writes, record, info, value.size(), step);
+    QList<RW_VAR> newer;
+    for (auto at = pending.constBegin(); at != pending.constEnd(); ++at)
+        newer.append(pieceFrom(at.key()));
+
+    Appending<RW_VAR> appending(writes);
+    for (int at = 0; at < value.size() && writes.size() < LIST_LIMIT; at += step) {
+        if (!pending.contains(at))
+            writes.append(pieceFrom(at));
+    }
+    writes.detach(); // nothing fails from here on
+    for (const int index : pending)
+        writes[index] = newer.takeFirst();
+    appending.keep();
+    return writes.size();
 }
 
 /// @return entries in the list of writes; 0 for a value that leaves nothing to write

@@ -57,15 +57,21 @@ WritePiece pieceAt(const RegisterTypeInfo& info, int address, const QByteArray& 
 {
     const WriteRule rule = ruleOf(info);
     const QByteArray data = value.mid(position, bytes);
-    const qint64 length = qint64{data.size()} * rule.unitsPerTwoBytes / BYTES_PER_WORD;
-    return {pieceAddress(info, address, position), wrapToInt(length), data};
+    const qint64 start = qint64{address} * rule.unitsPerElement +
+                         qint64{position} * rule.unitsPerTwoBytes / BYTES_PER_WORD;
+    return {wrapToInt(start), pieceLength(info, data.size()), data};
 }
 
-int pieceAddress(const RegisterTypeInfo& info, int address, int position)
+int pieceLength(const RegisterTypeInfo& info, qint64 bytes)
+{
+    return wrapToInt(bytes * ruleOf(info).unitsPerTwoBytes / BYTES_PER_WORD);
+}
+
+qint64 piecePosition(const RegisterTypeInfo& info, int address, int pieceAddress)
 {
     const WriteRule rule = ruleOf(info);
-    return wrapToInt(qint64{address} * rule.unitsPerElement +
-                     qint64{position} * rule.unitsPerTwoBytes / BYTES_PER_WORD);
+    const qint64 twice = (pieceAddress - qint64{address} * rule.unitsPerElement) * BYTES_PER_WORD;
+    return twice % rule.unitsPerTwoBytes == 0 ? twice / rule.unitsPerTwoBytes : -1;
 }
 
 WritePiece outputBitPiece(int address, const QByteArray& value, int count)

@@ -27,8 +27,12 @@ int bytesPerPiece(const RegisterTypeInfo& info, int blockLimit, int total);
 WritePiece pieceAt(const RegisterTypeInfo& info, int address, const QByteArray& value, int position,
                    int bytes);
 
-/// Where that piece starts: its `address`.
-int pieceAddress(const RegisterTypeInfo& info, int address, int position);
+/// The `length` of a piece of so many bytes.
+int pieceLength(const RegisterTypeInfo& info, qint64 bytes);
+
+/// Where in its value a piece with the address `pieceAddress` stands; below 0 or beyond the value
+/// when it is none of that value's. Not for OUTPUT_BIT.
+qint64 piecePosition(const RegisterTypeInfo& info, int address, int pieceAddress);
 
 /// The whole write of `count` output bits as one piece: bit 0 of each value byte, packed.
 WritePiece outputBitPiece(int address, const QByteArray& value, int count);

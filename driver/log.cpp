@@ -3,7 +3,7 @@
 #include "check/guarded.h"
 #include "talmor_kp410_port.h"
 
-#include <QFile>
+#include <cstdio>
 
 namespace
 {
@@ -15,16 +15,16 @@ QByteArray padded(int number, int digits)
     return QByteArray::number(number).rightJustified(digits, '0');
 }
 
+/// Not by QFile: when memory fails, its making can crash and its closing can throw.
 void writeLine(const char* message)
 {
     const QByteArray line = logLine(QDateTime::currentDateTime(), message);
-    QFile file(QString::fromLatin1("debug.log"));
-    const QIODevice::OpenMode fresh = QIODevice::WriteOnly;
-    const QIODevice::OpenMode mode = check ? fresh : fresh | QIODevice::Append;
-    const bool open = file.open(mode);
+    std::FILE* file = std::fopen("debug.log", check ? "w" : "a");
     check = false;
-    if (open)
-        file.write(line);
+    if (!file)
+        return;
+    std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), file);
+    std::fclose(file);
 }
 } // namespace
 

@@ -216,7 +216,7 @@ struct EXTENDVAR { ///< element of `extendList`; carries no behaviour
     QByteArray data;
 };
 
-// ---- Callbacks: run with `listMutex` held, so they must not call a function that takes it ------
+// ---- Callbacks: run with `listMutex` held: call no function that takes it, keep no copy of a list
 /// A write or one-shot read has ended: served, or given up, then FailCallback follows. Not called
 /// for one-shot reads of another node, nor for a write that a newer one has replaced in the list.
 /// Of entries with the same two keys only the last reports success; when one is given up, all of

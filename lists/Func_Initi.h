@@ -15,12 +15,12 @@ int StringAddressToInt(int type, QString text);
 void Bubble_Sort(QList<RW_VAR>* list);
 
 /// Merges a sorted group of one station and area into blocks, over gaps that end within `maxLength`
-/// of a block's start, and appends the blocks, cut to `maxLength`, to `out`. A `maxLength` below 1
-/// is no limit and bridges no gap.
-void BitVarReCreat(const QList<RW_VAR>* group, int maxLength, QList<RW_VAR>& out);
+/// of a block's start, and appends the blocks, cut to `maxLength`, to `readList`. A `maxLength`
+/// below 1 is no limit and bridges no gap. Hold `listMutex`.
+void BitVarReCreat(const QList<RW_VAR>* group, int maxLength);
 
-/// Cuts full pieces of `maxLength` off the front of `block` into `out` and, if `appendRest`,
-/// appends what is left of it.
-void addressAdd(RW_VAR& block, int maxLength, bool appendRest, QList<RW_VAR>& out);
+/// Cuts full pieces of `maxLength` off the front of `block` into `readList` and, if `appendRest`,
+/// appends what is left of it. Hold `listMutex`.
+void addressAdd(RW_VAR& block, int maxLength, bool appendRest);
 
 #endif

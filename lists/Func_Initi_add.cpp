@@ -7,6 +7,28 @@
 
 namespace
 {
+/// Index of a pending write that `var` replaces, or -1. The head is left alone: it is the one that
+/// may be on the wire.
+int findReplaceable(const QList<RW_VAR>& writes, const RW_VAR& var)
+{
+    for (int i = 1; i < writes.size(); ++i) {
+        if (sameTarget(writes.at(i), var))
+            return i;
+    }
+    return -1;
+}
+
+/// Puts `var` in the place of the pending write that it replaces, else at the end of a list that is
+/// not full. Changes nothing when memory fails.
+void putWrite(QList<RW_VAR>& writes, const RW_VAR& var)
+{
+    const int replaceable = findReplaceable(writes, var);
+    if (replaceable >= 0)
+        writes[replaceable] = var;
+    else if (writes.size() < LIST_LIMIT)
+        writes.append(var);
+}
+
 bool isQueued(const QList<RW_VAR>& reads, const RW_VAR& var)
 {
     for (const RW_VAR& queued : reads) {

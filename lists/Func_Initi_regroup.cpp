@@ -69,17 +69,15 @@ Groups groupsOf(const QList<VAR_DESC>& vars, const ComInfo& settings)
     return groups;
 }
 
-QList<RW_VAR> blocksOf(const QList<VAR_DESC>& vars, const ComInfo& settings)
+void appendBlocks(const QList<VAR_DESC>& vars, const ComInfo& settings)
 {
-    QList<RW_VAR> blocks;
     Groups groups = groupsOf(vars, settings);
     for (QMap<int, QList<RW_VAR>>& areas : groups) {
         for (QList<RW_VAR>& group : areas) {
             Bubble_Sort(&group);
-            BitVarReCreat(&group, settings.maxBlockLength, blocks);
+            BitVarReCreat(&group, settings.maxBlockLength);
         }
     }
-    return blocks;
 }
 
 /// Appends all pieces, or none and leaves `var` as it is.
@@ -113,8 +111,9 @@ void Bubble_Sort(QList<RW_VAR>* list)
     std::stable_sort(list->begin(), list->end(), startsBefore);
 }
 
-void addressAdd(RW_VAR& block, int maxLength, bool appendRest, QList<RW_VAR>& out)
+void addressAdd(RW_VAR& block, int maxLength, bool appendRest)
 {
+    QList<RW_VAR>& out = PLC_driver.readList;
     while (maxLength >= 1 && block.length >= maxLength) {
         out.append(block);
         out.last().length = maxLength;
@@ -125,12 +124,12 @@ void addressAdd(RW_VAR& block, int maxLength, bool appendRest, QList<RW_VAR>& ou
         out.append(block);
 }
 
-void BitVarReCreat(const QList<RW_VAR>* group, int maxLength, QList<RW_VAR>& out)
+void BitVarReCreat(const QList<RW_VAR>* group, int maxLength)
 {
     if (group->isEmpty())
         return;
     RW_VAR block = group->at(0);
-    addressAdd(block, maxLength, false, out);
+    addressAdd(block, maxLength, false);
     for (int i = 1; i < group->size(); ++i) {
         const RW_VAR& next = group->at(i);
         const qint64 merged = std::max(endOf(block), endOf(next)) - block.address;
@@ -139,11 +138,11 @@ void BitVarReCreat(const QList<RW_VAR>* group, int maxLength, QList<RW_VAR>& out
         } else if (reaches(block, next, maxLength)) {
             block.length = clampToCount(merged);
         } else {
-            addressAdd(block, maxLength, true, out);
+            addressAdd(block, maxLength, true);
             block = next;
         }
     }
-    addressAdd(block, maxLength, true, out);
+    addressAdd(block, maxLength, true);
 }
 
 int ReCreatReadVarList(QList<VAR_DESC>* vars)
@@ -153,12 +152,13 @@ int ReCreatReadVarList(QList<VAR_DESC>* vars)
         return 0;
     return guarded(0, [=] {
         Locker lock(&PLC_driver.listMutex);
-        QList<RW_VAR> blocks = vars->isEmpty() ? QList<RW_VAR>() : blocksOf(*vars, *settings);
-        PLC_driver.readList.swap(blocks);
+        Refilling<RW_VAR> refilling(PLC_driver.readList);
         if (!vars->isEmpty()) {
+            appendBlocks(*vars, *settings);
             PLC_driver.scanCount = 0;
             settings->scanDone = 0;
         }
+        refilling.keep();
         return PLC_driver.readList.size();
     });
 }

@@ -1,7 +1,6 @@
 /// Any reply, of any said length, to any pending frame: an operation that sets the driver up, one
 /// whose record gets the frame, then the replies.
 #include "model/session.h"
-#include "support/driver.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -20,7 +19,7 @@ void check(const QString& wrong)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    if (size < Operation::SIZE + 1)
+    if (size < OPERATION_BYTES + 1)
         return 0;
     Session session;
     const int setup = data[0];
@@ -28,11 +27,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     settings.ownNode = setup & 2 ? 2 : 1; // another node's, for most records
     settings.retryLimit = setup & 4 ? 2 : 0;
     session.settingsChanged();
-    const Operation record = operationsOf(data + 1, Operation::SIZE).first();
-    check(session.add(record, setup / 8 % 3));
+    const int source = setup / 8 % 3;
+    const Operation record = operationsOf(data + 1, OPERATION_BYTES).first();
+    check(session.add(session.recordOf(record, source == SOURCE_WRITE), source, ADD_UNCHANGED));
     check(session.turn());
-    data += Operation::SIZE + 1;
-    size -= Operation::SIZE + 1;
+    data += OPERATION_BYTES + 1;
+    size -= OPERATION_BYTES + 1;
     while (size >= REPLY_HEAD) {
         const int how = data[0], said = data[1];
         const std::size_t count = std::min<std::size_t>(data[2], size - REPLY_HEAD);

@@ -5,7 +5,6 @@
 
 #include "support/target.h"
 
-#include <QPair>
 #include <QSet>
 #include <QStringList>
 
@@ -24,13 +23,12 @@ struct Model {
     QList<RW_VAR> reads, writes, onceReads;
     QList<ModelFrame> frames;
     QSet<int> off;
-    QMap<QPair<int, int>, QByteArray> images; ///< by station and area
+    Store images;
     QStringList events;
     RW_VAR served;
     int source = SOURCE_NONE, writeBurst = 0, onceBurst = 0, scanCount = 0;
     bool failed = false;
 
-    int addRead(const RW_VAR& var);
     int addWrite(const RW_VAR& var, int mode);
     int addOnce(RW_VAR& var, int mode);
     int regroup(const QList<VAR_DESC>& vars);
@@ -38,9 +36,8 @@ struct Model {
     void station(int number, int enable);
     bool turn(); ///< @return true when there is a frame to send
     int reply(const QByteArray* reply, int length);
-    int get(int type, const QString& text, int station, QByteArray& out, int count);
-    int set(const QString& label, int type, const QString& text, int station, QByteArray& value,
-            int count, int key, int subKey);
+    int get(RW_VAR& var); ///< of its type, text, station and length; into its data
+    int set(RW_VAR& var); ///< its data as well, which become what was taken from them
 
     /// What differs between the driver's state and the model's; empty when nothing does.
     QString difference(const Communication_Protocol& driver, const Store& store,
@@ -52,16 +49,18 @@ private:
     void encode(const RW_VAR& var);
     void finish(bool good, bool remote);
     void take(const ModelFrame& head, const QByteArray& reply, bool remote);
+    RW_VAR record(int type, const QString& text, int station, int count) const;
+    QByteArray& image(int station, int area, qint64 size);
     void put(const Target& target, const QByteArray& bits);
     void store(const RW_VAR& record);
     void emitBlocks(RW_VAR& block, bool rest);
     int queue(RW_VAR& record, const QByteArray& value);
-
-    /// Images found equal, shared: as long as neither has been written since, they still are.
-    QMap<QPair<int, int>, QPair<QByteArray, QByteArray>> equal;
 };
 
 int modelAddress(int type, const QString& text);
 void toNative(RW_VAR& var);
+
+/// In every field.
+bool sameRecord(const RW_VAR& a, const RW_VAR& b);
 
 #endif

@@ -1,5 +1,5 @@
 #include "model/model.h"
-#include "support/bytes.h"
+#include "support/at_rest.h"
 
 #include <algorithm>
 #include <limits>
@@ -16,11 +16,6 @@ int replyBytes(const RW_VAR& var)
     const bool known = var.regType >= 0 && var.regType < REGISTER_TYPE_COUNT;
     const qint64 data = known && var.length > 0 ? perUnit * var.length : 0;
     return 5 + static_cast<int>(std::min<qint64>(data, LARGEST - 5));
-}
-
-bool sameKey(const RW_VAR& a, const RW_VAR& b)
-{
-    return a.hostKey == b.hostKey && a.hostSubKey == b.hostSubKey;
 }
 } // namespace
 
@@ -113,23 +108,20 @@ void Model::finish(bool good, bool remote)
         served.data.clear();
         bool later = false;
         for (const RW_VAR& other : *from)
-            later |= sameKey(other, head);
+            later |= sameKeys(other, head);
         if (!queue)
             from->append(head);
         else if (reports && (source == SOURCE_WRITE || !remote) && !(good && later))
-            events << QString::fromLatin1("finish %1 %2 %3 %4")
-                          .arg(settings.hostCookie)
-                          .arg(head.hostKey)
-                          .arg(head.hostSubKey)
-                          .arg(good ? FINISH_DONE : FINISH_FAILED);
+            events << finishEvent(settings.hostCookie, head.hostKey, head.hostSubKey,
+                                  good ? FINISH_DONE : FINISH_FAILED);
     }
     if (good)
         return;
     if (reports)
-        events << QString::fromLatin1("fail 0 %1 1").arg(served.hostKey);
+        events << failEvent(0, served.hostKey, 1);
     for (int i = queue ? queue->size() - 1 : -1; i >= 0; --i) {
         const RW_VAR& other = queue->at(i);
-        if (sameKey(other, served) &&
+        if (sameKeys(other, served) &&
             (settings.stationPerVar == 0 || other.station == served.station))
             queue->removeAt(i);
     }

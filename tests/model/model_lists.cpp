@@ -1,18 +1,13 @@
 #include "model/model.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace
 {
 int wrapped(qint64 value)
 {
     return static_cast<int>(static_cast<quint32>(value));
-}
-
-bool samePlace(const RW_VAR& a, const RW_VAR& b)
-{
-    return a.station == b.station && a.regType == b.regType && a.address == b.address &&
-           a.length == b.length;
 }
 
 /// Address and length in the area's units, before they wrap.
@@ -48,10 +43,18 @@ void toNative(RW_VAR& var)
     var.regType = areaOf(var.regType);
 }
 
-int Model::addRead(const RW_VAR& var)
+/// What the driver makes of a variable of the runtime.
+RW_VAR Model::record(int type, const QString& text, int station, int count) const
 {
-    reads.append(var);
-    return reads.size();
+    RW_VAR var;
+    var.remoteMode = settings.remoteFraming;
+    var.nodeId = settings.ownNode;
+    var.addressText = text;
+    var.regType = type;
+    var.address = modelAddress(type, text);
+    var.station = settings.stationPerVar != 0 ? station : settings.defaultStation;
+    var.length = count;
+    return var;
 }
 
 int Model::addWrite(const RW_VAR& var, int mode)
@@ -105,8 +108,7 @@ int Model::addOnce(RW_VAR& var, int mode)
     for (const RW_VAR& piece : cut(counts ? var.length : 0, settings.maxBlockLength, var)) {
         bool known = onceReads.size() >= LIST_LIMIT;
         for (const RW_VAR& other : onceReads)
-            known |= other.hostKey == piece.hostKey && other.hostSubKey == piece.hostSubKey &&
-                     samePlace(other, piece);
+            known |= sameKeys(other, piece) && samePlace(other, piece);
         if (!known)
             onceReads.append(piece);
     }
@@ -136,53 +138,37 @@ int Model::regroup(const QList<VAR_DESC>& vars)
     scanCount = settings.scanDone = 0;
     QList<RW_VAR> sorted;
     for (const VAR_DESC& desc : vars) {
-        RW_VAR var;
+        RW_VAR var = record(desc.regType, desc.addressText, desc.station, desc.length);
         var.hostSubKey = -1;
-        var.remoteMode = settings.remoteFraming;
-        var.nodeId = settings.ownNode;
         var.label = desc.label;
-        var.addressText = desc.addressText;
-        var.regType = desc.regType;
-        var.address = modelAddress(desc.regType, desc.addressText);
-        var.length = desc.length;
-        var.station = settings.stationPerVar != 0 ? desc.station : settings.defaultStation;
         const QPair<qint64, qint64> units = nativeUnits(desc.regType, var.address, var.length);
         const bool wraps = units.first + units.second > 0x7FFFFFFF;
         if (var.address < 0 || var.station == 0 || desc.length < 0 || desc.length > MAX_ELEMENTS ||
             wraps)
             continue;
         toNative(var);
-        // Behind all that are not greater: equal ones keep the order they came in.
-        int at = sorted.size();
-        const auto rank = [](const RW_VAR& v) {
-            return QPair<QPair<int, int>, int>({v.station, v.regType}, v.address);
-        };
-        while (at > 0 && rank(var) < rank(sorted.at(at - 1)))
-            --at;
-        sorted.insert(at, var);
+        sorted.append(var);
     }
-    for (int i = 0; i < sorted.size();) {
-        RW_VAR block = sorted.at(i);
-        const int station = block.station, area = block.regType;
-        emitBlocks(block, false);
-        for (++i;
-             i < sorted.size() && sorted.at(i).station == station && sorted.at(i).regType == area;
-             ++i) {
-            const RW_VAR& next = sorted.at(i);
-            const qint64 end = qint64{block.address} + block.length;
-            const qint64 reach = qint64{block.address} + std::max(settings.maxBlockLength, 0);
-            if (block.length == 0) {
-                block = next;
-            } else if (next.address <= std::max(end, reach)) {
-                const qint64 last = std::max(end, qint64{next.address} + next.length);
-                block.length = static_cast<int>(last - block.address);
-            } else {
-                emitBlocks(block, true);
-                block = next;
-            }
+    std::stable_sort(sorted.begin(), sorted.end(), [](const RW_VAR& a, const RW_VAR& b) {
+        return std::tie(a.station, a.regType, a.address) <
+               std::tie(b.station, b.regType, b.address);
+    });
+    RW_VAR block; // of station 0, which no variable has
+    for (const RW_VAR& next : sorted) {
+        const bool same = block.station == next.station && block.regType == next.regType;
+        const qint64 end = qint64{block.address} + block.length;
+        const qint64 reach = qint64{block.address} + std::max(settings.maxBlockLength, 0);
+        if (same && block.length > 0 && next.address <= std::max(end, reach)) {
+            const qint64 last = std::max(end, qint64{next.address} + next.length);
+            block.length = static_cast<int>(last - block.address);
+            continue;
         }
         emitBlocks(block, true);
+        block = next;
+        if (!same)
+            emitBlocks(block, false);
     }
+    emitBlocks(block, true);
     return reads.size();
 }
 

@@ -1,4 +1,5 @@
 #include "model/model.h"
+#include "support/faults.h"
 
 #include <algorithm>
 #include <limits>
@@ -38,43 +39,34 @@ bool isBits(int type)
     return widthOf(type) == 1;
 }
 
-QString differs(const char* what, qint64 actual, qint64 expected)
+bool sameRecords(const QList<RW_VAR>& a, const QList<RW_VAR>& b)
 {
-    return QString::fromLatin1("%1 is %2, not %3")
-        .arg(QLatin1String(what))
-        .arg(actual)
-        .arg(expected);
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), sameRecord);
 }
+} // namespace
 
 bool sameRecord(const RW_VAR& a, const RW_VAR& b)
 {
-    return a.hostKey == b.hostKey && a.hostSubKey == b.hostSubKey && a.rwFlag == b.rwFlag &&
+    return sameKeys(a, b) && samePlace(a, b) && a.rwFlag == b.rwFlag &&
            a.remoteMode == b.remoteMode && a.nodeId == b.nodeId && a.result == b.result &&
-           a.regType == b.regType && a.address == b.address && a.station == b.station &&
-           a.length == b.length && a.rmwStep == b.rmwStep && a.auxParam == b.auxParam &&
-           a.label == b.label && a.addressText == b.addressText && a.data == b.data;
+           a.rmwStep == b.rmwStep && a.auxParam == b.auxParam && a.label == b.label &&
+           a.addressText == b.addressText && a.data == b.data;
 }
 
-QString listDifference(const char* name, const QList<RW_VAR>& actual, const QList<RW_VAR>& expected)
+/// At least `size` bytes of it, which are 0 at first.
+QByteArray& Model::image(int station, int area, qint64 size)
 {
-    if (actual.size() != expected.size())
-        return differs(name, actual.size(), expected.size());
-    for (int i = 0; i < actual.size(); ++i) {
-        if (!sameRecord(actual.at(i), expected.at(i)))
-            return QString::fromLatin1("%1 differs at %2").arg(QLatin1String(name)).arg(i);
-    }
-    return QString();
+    QByteArray& bytes = images[station][area];
+    if (bytes.size() < size)
+        bytes.append(QByteArray(static_cast<int>(size) - bytes.size(), '\0'));
+    return bytes;
 }
-} // namespace
 
 void Model::put(const Target& target, const QByteArray& bits)
 {
     if (target.isNone())
         return;
-    QByteArray& image = images[qMakePair(target.station, target.area)];
-    if (image.size() < target.end())
-        image.append(QByteArray(static_cast<int>(target.end()) - image.size(), '\0'));
-    char* out = image.data();
+    char* out = image(target.station, target.area, target.end()).data();
     const char* in = bits.constData();
     for (qint64 i = 0, bit = target.first; i < target.bits; ++i, ++bit) {
         const int mask = 1 << (bit % 8);
@@ -95,24 +87,23 @@ void Model::store(const RW_VAR& record)
     put(target, bits);
 }
 
-int Model::get(int type, const QString& text, int station, QByteArray& out, int count)
+int Model::get(RW_VAR& var)
 {
+    const int type = var.regType, count = var.length, address = modelAddress(type, var.addressText);
+    QByteArray& out = var.data;
     out.clear();
-    const int address = modelAddress(type, text);
     if (isBeyond(type, address, count)) {
         if (count > 0 && count <= MAX_IMAGE_BYTES / 2)
             out = QByteArray(2 * count, '\0');
         return 0;
     }
-    QByteArray& image = images[qMakePair(station, areaOf(type))];
     const int offset = std::max(widthOf(type) / 8, 1) * address;
-    if (image.size() < offset + 4 * count)
-        image.append(QByteArray(offset + 4 * count - image.size(), '\0'));
-    const Target target = hostTarget(type, address, station, count);
+    const QByteArray& bytes = image(var.station, areaOf(type), offset + 4 * count);
+    const Target target = hostTarget(type, address, var.station, count);
     for (int i = 0; isBits(type) && i < target.bits; ++i)
-        out.append(static_cast<char>((image.at((address + i) / 8) >> ((address + i) % 8)) & 1));
+        out.append(static_cast<char>((bytes.at((address + i) / 8) >> ((address + i) % 8)) & 1));
     if (!isBits(type))
-        out = image.mid(offset, static_cast<int>(target.bits) / 8);
+        out = bytes.mid(offset, static_cast<int>(target.bits) / 8);
     if (widthOf(type) == 8)
         out.append(QByteArray(out.size(), '\0'));
     return 1;
@@ -156,27 +147,19 @@ int Model::queue(RW_VAR& record, const QByteArray& value)
     return pending;
 }
 
-int Model::set(const QString& label, int type, const QString& text, int station, QByteArray& value,
-               int count, int key, int subKey)
+int Model::set(RW_VAR& var)
 {
-    const int address = modelAddress(type, text);
+    const int type = var.regType, count = var.length, address = modelAddress(type, var.addressText);
     if (!attached || count > MAX_ELEMENTS || isBeyond(type, address, count))
         return 0;
-    RW_VAR record;
-    record.hostKey = key;
-    record.hostSubKey = subKey;
-    record.rwFlag = RW_WRITE;
-    record.remoteMode = settings.remoteFraming;
-    record.nodeId = settings.ownNode;
-    record.label = label;
-    record.addressText = text;
-    record.regType = type;
-    record.address = address;
-    record.station = settings.stationPerVar != 0 ? station : settings.defaultStation;
-    record.length = count;
+    RW_VAR written = record(type, var.addressText, var.station, count);
+    written.hostKey = var.hostKey;
+    written.hostSubKey = var.hostSubKey;
+    written.rwFlag = RW_WRITE;
+    written.label = var.label;
     if (settings.writeMode != WRITE_QUEUE) {
-        const Target target = hostTarget(type, address, record.station, count);
-        QByteArray bits = normalised(type, value, count);
+        const Target target = hostTarget(type, address, written.station, count);
+        QByteArray bits = normalised(type, var.data, count);
         if (!isBits(type))
             bits = bitsOf(bits, target.bits);
         for (int i = 0; type == OUTPUT_BIT && i < bits.size(); ++i)
@@ -186,63 +169,51 @@ int Model::set(const QString& label, int type, const QString& text, int station,
     }
     if (type < OUTPUT_BIT || type > SPECIAL_BIT || areaOf(type) == AREA_INPUT)
         return 0;
-    value = normalised(type, value, count);
-    return queue(record, value);
+    var.data = normalised(type, var.data, count);
+    return queue(written, var.data);
 }
 
 QString Model::difference(const Communication_Protocol& driver, const Store& store,
                           const ComInfo& actual)
 {
-    const struct {
-        const char* name;
-        int is, expected;
-    } numbers[] = {{"retryCount", actual.retryCount, settings.retryCount},
-                   {"frameCount", actual.frameCount, settings.frameCount},
-                   {"framesDone", actual.framesDone, settings.framesDone},
-                   {"scanDone", actual.scanDone, settings.scanDone},
-                   {"scanCount", driver.scanCount, scanCount},
-                   {"currentSource", driver.currentSource, source},
-                   {"writeBurst", driver.writeBurst, writeBurst},
-                   {"onceReadBurst", driver.onceReadBurst, onceBurst},
-                   {"lastFailed", driver.lastFailed, failed},
-                   {"frames", driver.frameList.size(), frames.size()},
-                   {"stations off", driver.stationMap.size(), off.size()}};
-    for (const auto& number : numbers) {
-        if (number.is != number.expected)
-            return differs(number.name, number.is, number.expected);
-    }
-    for (const QString& wrong : {listDifference("readList", driver.readList, reads),
-                                 listDifference("writeList", driver.writeList, writes),
-                                 listDifference("onceReadList", driver.onceReadList, onceReads)}) {
-        if (!wrong.isEmpty())
-            return wrong;
-    }
-    if (!sameRecord(driver.retVar, served))
-        return QString::fromLatin1("the returned record differs");
+    const QString wrong = firstWrong(
+        {{"retryCount", actual.retryCount, settings.retryCount},
+         {"frameCount", actual.frameCount, settings.frameCount},
+         {"framesDone", actual.framesDone, settings.framesDone},
+         {"scanDone", actual.scanDone, settings.scanDone},
+         {"scanCount", driver.scanCount, scanCount},
+         {"currentSource", driver.currentSource, source},
+         {"writeBurst", driver.writeBurst, writeBurst},
+         {"onceReadBurst", driver.onceReadBurst, onceBurst},
+         {"lastFailed", driver.lastFailed, failed},
+         {"frames", driver.frameList.size(), frames.size()},
+         {"stations off", driver.stationMap.size(), off.size()},
+         {"readList as the model's", sameRecords(driver.readList, reads), true},
+         {"writeList as the model's", sameRecords(driver.writeList, writes), true},
+         {"onceReadList as the model's", sameRecords(driver.onceReadList, onceReads), true},
+         {"retVar as the model's", sameRecord(driver.retVar, served), true}});
+    if (!wrong.isEmpty())
+        return wrong;
     for (int i = 0; i < frames.size(); ++i) {
-        const Protocol& frame = driver.frameList.at(i);
+        const Protocol& is = driver.frameList.at(i);
         const ModelFrame& expected = frames.at(i);
-        if (!sameRecord(frame.var, expected.var) || frame.replyLength != expected.replyLength)
-            return QString::fromLatin1("frame %1 differs").arg(i);
-        const int word = (frame.frame.at(4) & 0xFF) * 256 + (frame.frame.at(5) & 0xFF);
-        if (expected.word >= 0 && word != expected.word)
-            return differs("the merged word", word, expected.word);
+        const int word = (is.frame.at(4) & 0xFF) * 256 + (is.frame.at(5) & 0xFF);
+        if (!sameRecord(is.var, expected.var) || is.replyLength != expected.replyLength ||
+            (expected.word >= 0 && word != expected.word))
+            return text("frame %1 differs", i);
     }
-    int present = 0;
+    if (store.keys() != images.keys())
+        return text("the stations of the store differ");
     for (auto areas = store.cbegin(); areas != store.cend(); ++areas) {
-        for (auto image = areas->cbegin(); image != areas->cend(); ++image, ++present) {
-            const QPair<int, int> place(areas.key(), image.key());
-            const QByteArray expected = images.value(place, QByteArray("?"));
-            QPair<QByteArray, QByteArray>& known = equal[place];
-            if (known.first.constData() == image->constData() &&
-                known.second.constData() == expected.constData())
-                continue;
-            if (*image != expected)
-                return QString::fromLatin1("image %1 %2 differs")
-                    .arg(place.first)
-                    .arg(place.second);
-            known = {*image, expected};
+        QMap<int, QByteArray>& mine = images[areas.key()];
+        if (areas->keys() != mine.keys())
+            return text("the areas of station %1 differ", areas.key());
+        for (auto image = areas->cbegin(); image != areas->cend(); ++image) {
+            QByteArray& expected = mine[image.key()];
+            if (image->constData() != expected.constData() && *image != expected)
+                return text("image %1 %2 differs", areas.key(), image.key());
+            expected = *image; // as long as neither is written, they need not be looked at again
         }
     }
-    return present == images.size() ? QString() : differs("images", present, images.size());
+    return QString();
 }

@@ -11,25 +11,19 @@
 #include <QVector>
 
 #include <array>
+#include <functional>
 
-/// One call: which, and what its arguments are made of.
+/// Of an operation: which call, and what its arguments are made of.
+// clang-format off
+enum OperationByte {
+    CALL, TYPE, ADDRESS, ADDRESS_VALUE, COUNT, COUNT_VALUE, PLACE, KEYS, FLAVOUR, SEED,
+    OPERATION_BYTES
+};
+// clang-format on
 struct Operation {
-    enum Byte {
-        CALL,
-        TYPE,
-        ADDRESS,
-        ADDRESS_VALUE,
-        COUNT,
-        COUNT_VALUE,
-        PLACE,
-        KEYS,
-        FLAVOUR,
-        SEED
-    };
-    static constexpr int SIZE = SEED + 1;
-    std::array<unsigned char, SIZE> bytes;
+    std::array<unsigned char, OPERATION_BYTES> bytes;
 
-    int operator[](Byte which) const { return bytes[which]; }
+    int operator[](OperationByte which) const { return bytes[which]; }
 };
 
 /// Whole operations only: what is left over at the end is not used.
@@ -45,32 +39,35 @@ public:
 
     /// Single calls, for who has arguments of its own. Tell the session when `settings` change.
     void settingsChanged() { model.settings = settings; }
-    QString add(const Operation& operation, int source);
+    QString add(const RW_VAR& var, int source, int mode);
+    QString regroup(QList<VAR_DESC> vars);
     QString turn();
     QString reply(const QByteArray* bytes, int length);
 
+    RW_VAR recordOf(const Operation& operation, bool write);
+
     QStringList told; ///< the calls so far, in words
 
-    static QByteArray goodReply(const Protocol& frame, int seed);
-
 private:
+    struct Made {
+        QString words;
+        CallKind kind = CALL_OTHER;
+        int mayAdd = 0;
+        Target target = Target();
+    };
+
     int number(int selector, int value, int most);
-    QString textOf(const Operation& o, int type);
-    RW_VAR recordOf(const Operation& o, bool write);
-    QString addWrite(RW_VAR var, int mode);
-    QString addOnce(RW_VAR var, int mode);
-    QString addRead(RW_VAR var);
+    /// @param same the two calls have left the same in the runtime's arguments
+    QString both(
+        const Made& made, const std::function<int()>& modelled, const std::function<int()>& called,
+        const std::function<bool()>& same = [] { return true; });
     QString answer(const Operation& o);
+    QString regroupSome(const Operation& o);
     QString set(const Operation& o);
     QString get(const Operation& o);
-    QString regroup(const Operation& o);
-    QString cut(const Operation& o);
     QString setting(const Operation& o);
     QString station(const Operation& o);
     QString nulls(const Operation& o);
-    QString utilities(const Operation& o);
-    QString judge(const Target& target, int is, int expected);
-    void tell(const char* name, const QString& arguments);
 
     Model model;
     Watch watch;
@@ -79,10 +76,7 @@ private:
     QByteArray lastReply;
 };
 
-/// How a session puts a call into words, and where it takes a station from.
-QString shownCall(int type, const QString& address, int count);
-int stationIn(const Operation& o);
-QByteArray bytesOf(int size, int seed);
+QString shown(const RW_VAR& var);
 
 /// Runs `operations` on a new session. @return what went wrong first, with the calls up to it
 QString runAll(const QVector<Operation>& operations);

@@ -41,11 +41,8 @@ private slots:
             if (runAll(sequence).isEmpty())
                 continue;
             const QVector<Operation> shorter = shrink(sequence);
-            const QString wrong = runAll(shorter);
-            QFAIL(qPrintable(QString::fromLatin1("%1 calls, shrunk to %2:\n%3")
-                                 .arg(length)
-                                 .arg(shorter.size())
-                                 .arg(wrong)));
+            QFAIL(qPrintable(text("%1 calls, shrunk to %2:\n", length, shorter.size()) +
+                             runAll(shorter)));
         }
     }
 };

@@ -2,20 +2,32 @@
 #ifndef KP410_TESTS_AT_REST_H
 #define KP410_TESTS_AT_REST_H
 
+#include "support/bytes.h"
+
 #include "talmor_kp410_port.h"
 
 #include <QStringList>
 
 inline QStringList events;
 
+inline QString finishEvent(int cookie, int key, int subKey, int state)
+{
+    return text("finish %1 %2 %3 %4", cookie, key, subKey, state);
+}
+
+inline QString failEvent(int size, int key, int flag)
+{
+    return text("fail %1 %2 %3", size, key, flag);
+}
+
 inline void onFinish(int cookie, int key, int subKey, int state)
 {
-    events << QString::fromLatin1("finish %1 %2 %3 %4").arg(cookie).arg(key).arg(subKey).arg(state);
+    events << finishEvent(cookie, key, subKey, state);
 }
 
 inline void onFail(QList<RW_VAR>* vars, int key, int flag)
 {
-    events << QString::fromLatin1("fail %1 %2 %3").arg(vars->size()).arg(key).arg(flag);
+    events << failEvent(vars->size(), key, flag);
 }
 
 /// Everything empty, own node 1, stations per variable, blocks of 10.

@@ -42,21 +42,10 @@ inline QByteArray request()
     return frame ? frame->frame.left(frame->frameLength) : QByteArray();
 }
 
-/// Hands a reply back, whole, and returns the result code.
-inline int answer(QByteArray reply)
+/// Hands a reply back, whole, by default none, and returns the result code.
+inline int answer(QByteArray reply = QByteArray())
 {
     return DataCom(&reply, reply.size())->result;
-}
-
-inline int answerNothing()
-{
-    return answer(QByteArray());
-}
-
-/// A good acknowledgement: any 8 bytes with a good CRC.
-inline int acknowledge()
-{
-    return answer(withCrc("01 06 00 00 00 00"));
 }
 
 inline QByteArray stored(int station, int area)

@@ -74,18 +74,13 @@ void* realloc(void* old, std::size_t size)
 }
 }
 
-// A sanitizer's own forms of these would not pass through malloc.
+// A sanitizer's own forms of these would not pass through malloc; the others, of arrays, call these
+// or are its own in pairs.
 // clang-format off
 void* operator new(std::size_t size) { return allocate(size); }
-void* operator new[](std::size_t size) { return allocate(size); }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return std::malloc(size); }
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return std::malloc(size); }
 void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete(void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
-void operator delete[](void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
 // clang-format on
 
 // A QMap that is parted from a copy of it loses the new half when memory fails: Qt's own leak, told

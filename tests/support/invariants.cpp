@@ -1,6 +1,7 @@
 #include "support/invariants.h"
 
 #include "support/at_rest.h"
+#include "support/faults.h"
 
 #include <algorithm>
 #include <vector>
@@ -24,23 +25,19 @@ Marks marksOf(const QList<RW_VAR>& list)
 }
 
 /// Entries of `before` that are not in `after`.
-Marks missing(const Marks& before, const Marks& after)
+Marks missing(const QList<RW_VAR>& before, const QList<RW_VAR>& after)
 {
+    const Marks old = marksOf(before), now = marksOf(after);
     Marks gone;
-    std::set_difference(before.begin(), before.end(), after.begin(), after.end(),
-                        std::back_inserter(gone));
+    std::set_difference(old.begin(), old.end(), now.begin(), now.end(), std::back_inserter(gone));
     return gone;
 }
 
-bool sameGroup(const RW_VAR& a, const RW_VAR& b)
+bool contains(const Marks& marks, const RW_VAR& var)
 {
-    return a.hostKey == b.hostKey && a.hostSubKey == b.hostSubKey;
+    return std::binary_search(marks.begin(), marks.end(), markOf(var));
 }
 
-QString say(const char* text)
-{
-    return QString::fromLatin1(text);
-}
 } // namespace
 
 Watch::Watch(Communication_Protocol& watched, const Store& images) : driver(watched), store(images)
@@ -61,50 +58,36 @@ void Watch::begin(CallKind kind, int unchecked)
 
 QString Watch::end(const Target& target)
 {
-    QString wrong = heldLock(driver);
-    if (wrong.isEmpty())
-        wrong = listsFault();
-    if (wrong.isEmpty())
-        wrong = framesFault();
-    if (wrong.isEmpty())
-        wrong = storeFault(storeBefore, store, target);
-    if (wrong.isEmpty())
-        wrong = call == CALL_TURNS || call == CALL_ANSWERS ? endedFault() : addedFault();
+    const bool ends = call == CALL_TURNS || call == CALL_ANSWERS;
+    const QString wrong =
+        firstOf({heldLock(driver), listsFault(), framesFault(),
+                 storeFault(storeBefore, store, target), ends ? endedFault() : addedFault()});
     const int ended = ledger.done + ledger.failed + ledger.merged + ledger.purged;
-    if (wrong.isEmpty() && ledger.queued != ended + driver.writeList.size())
-        wrong = QString::fromLatin1("%1 writes queued, %2 ended, %3 waiting")
-                    .arg(ledger.queued)
-                    .arg(ended)
-                    .arg(driver.writeList.size());
-    return wrong;
+    return firstOf({wrong, firstWrong({{"the number of writes queued", ledger.queued,
+                                        ended + driver.writeList.size()}})});
 }
 
 QString Watch::listsFault() const
 {
-    const QList<RW_VAR>* const lists[][2] = {{&driver.writeList, &writesBefore},
-                                             {&driver.onceReadList, &onceBefore}};
-    for (const auto& list : lists) {
-        if (list[0]->size() > std::max<int>(LIST_LIMIT, list[1]->size() + mayAdd))
-            return say("a list has outgrown its limit");
-    }
-    return QString();
+    const auto most = [this](int before) { return std::max<int>(LIST_LIMIT, before + mayAdd); };
+    return firstBroken(
+        {{driver.writeList.size() > most(writesBefore.size()), "too many writes"},
+         {driver.onceReadList.size() > most(onceBefore.size()), "too many one-shot reads"}});
 }
 
 QString Watch::framesFault()
 {
-    if (!driver.comInfo || driver.frameList.isEmpty())
+    const QList<Protocol>& frames = driver.frameList;
+    if (!driver.comInfo || frames.isEmpty())
         return QString();
     if (!hadFrames)
         remoteFraming = driver.comInfo->remoteFraming != 0;
-    if (driver.frameList.size() > 2 || driver.currentSource == SOURCE_NONE)
-        return say("frames of no variable");
-    for (int i = 0; i < driver.frameList.size(); ++i) {
-        const QString wrong = frameFault(
-            driver.frameList.at(i), driver.currentSource == SOURCE_WRITE, remoteFraming, i > 0);
-        if (!wrong.isEmpty())
-            return wrong;
-    }
-    return QString();
+    if (frames.size() > 2 || driver.currentSource == SOURCE_NONE)
+        return text("frames of no variable");
+    const bool write = driver.currentSource == SOURCE_WRITE;
+    return firstOf(
+        {frameFault(frames.first(), write, remoteFraming, false),
+         frames.size() < 2 ? QString() : frameFault(frames.last(), write, remoteFraming, true)});
 }
 
 /// Of a call that may queue writes: they stand at the end, or in the place of one that they
@@ -113,88 +96,74 @@ QString Watch::addedFault()
 {
     const QList<RW_VAR>& writes = driver.writeList;
     if (!events.isEmpty())
-        return say("an unexpected report: ") + events.first();
+        return text("an unexpected report: ") + events.first();
     if (writes.size() < writesBefore.size())
-        return say("a write is lost");
+        return text("a write is lost");
     for (int i = 0; i < writesBefore.size(); ++i) {
         const RW_VAR &old = writesBefore.at(i), &now = writes.at(i);
         if (markOf(old) == markOf(now))
             continue;
-        const bool replaces = call == CALL_ADDS && i > 0 && old.station == now.station &&
-                              old.regType == now.regType && old.address == now.address &&
-                              old.length == now.length;
+        const bool replaces = call == CALL_ADDS && i > 0 && samePlace(old, now);
         if (!replaces)
-            return say("a write is replaced by one of another place");
+            return text("a write is replaced by one of another place");
         ++ledger.merged;
         ++ledger.queued;
     }
     const int added = writes.size() - writesBefore.size();
-    if (added > 0 && call != CALL_ADDS)
-        return say("a write of nobody");
     ledger.queued += added;
-    return QString();
+    return added > 0 && call != CALL_ADDS ? text("a write of nobody") : QString();
 }
 
 /// Of a turn or a reply: what has left its list has been served or given up, the callbacks say so,
 /// and what has gone with it has the same keys.
 QString Watch::endedFault()
 {
-    const int source = driver.currentSource;
-    const Marks lostWrites = missing(marksOf(writesBefore), marksOf(driver.writeList));
-    const Marks lostReads = missing(marksOf(onceBefore), marksOf(driver.onceReadList));
-    if (writesBefore.size() - driver.writeList.size() != static_cast<int>(lostWrites.size()) ||
-        onceBefore.size() - driver.onceReadList.size() != static_cast<int>(lostReads.size()) ||
-        driver.readList.size() != readsBefore)
-        return say("an entry appeared");
-    if ((source != SOURCE_WRITE && !lostWrites.empty()) ||
-        (source != SOURCE_ONCE && !lostReads.empty()))
-        return say("an entry left another list than the one served");
-
-    const RW_VAR& served = driver.retVar;
-    const bool writes = source == SOURCE_WRITE;
+    const bool writes = driver.currentSource == SOURCE_WRITE;
+    const bool queued = writes || driver.currentSource == SOURCE_ONCE;
+    const QList<RW_VAR>& before = writes ? writesBefore : onceBefore;
+    const QList<RW_VAR>& after = writes ? driver.writeList : driver.onceReadList;
+    const Marks lostWrites = missing(writesBefore, driver.writeList);
+    const Marks lostReads = missing(onceBefore, driver.onceReadList);
     const Marks& gone = writes ? lostWrites : lostReads;
+    const Marks& goneElsewhere = writes ? lostReads : lostWrites;
+    const int left = static_cast<int>(gone.size());
+    const int shrunk = writesBefore.size() + onceBefore.size() - driver.writeList.size() -
+                       driver.onceReadList.size();
+    const RW_VAR& served = driver.retVar;
+    const bool answered = call == CALL_ANSWERS, sentAgain = served.result == RESULT_RETRY;
     const bool good = served.result == RESULT_GOOD || served.result == RESULT_GOOD_REMOTE;
-    const bool gaveUp =
-        call == CALL_ANSWERS ? !good && served.result != RESULT_RETRY : !gone.empty();
-    if (gone.empty()) {
-        const QStringList expected =
-            gaveUp ? QStringList(QString::fromLatin1("fail 0 %1 1").arg(served.hostKey))
-                   : QStringList();
-        if (gaveUp && source != SOURCE_READ)
-            return say("given up, but still in its list");
-        return !driver.failCallback || events == expected ? QString() : say("not as reported");
+    const bool gaveUp = answered ? !good && !sentAgain : left > 0;
+    const bool anyStation = driver.comInfo && driver.comInfo->stationPerVar == 0;
+    bool stranger = false, split = false, later = false;
+    for (const RW_VAR& var : before) {
+        const bool group = sameKeys(var, served) && (anyStation || var.station == served.station);
+        stranger |= contains(gone, var) && !group;
+        split |= !contains(gone, var) && group && gaveUp && left > 0;
     }
-    if (call == CALL_ANSWERS && !good && !gaveUp)
-        return say("an entry left while its frame is sent again");
-    if (!std::binary_search(gone.begin(), gone.end(), markOf(served)))
-        return say("another entry left than the one served");
-    if (!gaveUp && gone.size() != 1)
-        return say("a write is lost");
-    const bool anyStation = driver.comInfo->stationPerVar == 0;
-    for (const RW_VAR& var : writes ? writesBefore : onceBefore) {
-        const bool left = std::binary_search(gone.begin(), gone.end(), markOf(var));
-        const bool group = sameGroup(var, served) && (anyStation || var.station == served.station);
-        if (left ? !group : gaveUp && group)
-            return say(left ? "a write is lost with another's group" : "a group is split");
-    }
-    bool later = false;
-    for (const RW_VAR& var : writes ? driver.writeList : driver.onceReadList)
-        later |= sameGroup(var, served);
+    for (const RW_VAR& var : after)
+        later |= sameKeys(var, served);
     QStringList expected;
-    const bool told = writes || served.nodeId == driver.comInfo->ownNode;
-    if (told && (gaveUp || !later))
-        expected << QString::fromLatin1("finish %1 %2 %3 %4")
-                        .arg(driver.comInfo->hostCookie)
-                        .arg(served.hostKey)
-                        .arg(served.hostSubKey)
-                        .arg(gaveUp ? FINISH_FAILED : FINISH_DONE);
+    if (left > 0 && (writes || served.nodeId == driver.comInfo->ownNode) && (gaveUp || !later))
+        expected << finishEvent(driver.comInfo->hostCookie, served.hostKey, served.hostSubKey,
+                                gaveUp ? FINISH_FAILED : FINISH_DONE);
     if (gaveUp)
-        expected << QString::fromLatin1("fail 0 %1 1").arg(served.hostKey);
-    if (driver.finishCallback && events != expected)
-        return say("an ending is not reported as it was");
-    if (writes) {
+        expected << failEvent(0, served.hostKey, 1);
+    const QString wrong = firstBroken(
+        {{before.size() - after.size() != left || shrunk != left, "an entry appeared"},
+         {driver.readList.size() != readsBefore, "a cyclic read appeared, or is lost"},
+         {!goneElsewhere.empty() || (left > 0 && !queued), "an entry left the wrong list"},
+         {left == 0 && gaveUp && queued, "given up, but still in its list"},
+         {left > 0 && answered && sentAgain, "an entry left while its frame is sent again"},
+         {left > 0 && !contains(gone, served), "another entry left than the one served"},
+         {left > 1 && !gaveUp, "a write is lost"},
+         {stranger, "a write is lost with another's group"},
+         {split, "a group is split"},
+         {driver.finishCallback && events != expected, "an ending is not reported as it was"}});
+    if (!wrong.isEmpty())
+        return wrong;
+    if (writes && left > 0) {
         (gaveUp ? ledger.failed : ledger.done) += 1;
-        ledger.purged += static_cast<int>(gone.size()) - 1;
+        ledger.purged += left - 1;
     }
     return QString();
 }

@@ -4,12 +4,23 @@
 #ifndef KP410_TESTS_INVARIANTS_H
 #define KP410_TESTS_INVARIANTS_H
 
+#include "support/bytes.h"
 #include "support/target.h"
 
 #include <QStringList>
 
-/// "the lock listMutex is held", or nothing.
-QString heldLock(Communication_Protocol& driver);
+/// Which lock is held, or nothing.
+inline QString heldLock(Communication_Protocol& driver)
+{
+    int number = 0;
+    for (QMutex* mutex : {&driver.listMutex, &driver.storageMutex, &driver.stationMutex}) {
+        ++number;
+        if (!mutex->tryLock())
+            return text("lock %1 of lists, store, stations is held", number);
+        mutex->unlock();
+    }
+    return QString();
+}
 
 /// What is wrong with a frame: its length, CRC or checksum, fields, or reply description.
 /// @param waits the write frame of a pair, whose word is not yet known
@@ -46,8 +57,8 @@ public:
     WriteLedger ledger;
 
 private:
-    QString framesFault();
     QString listsFault() const;
+    QString framesFault();
     QString addedFault();
     QString endedFault();
 

@@ -1,4 +1,4 @@
-/// Which bits of which area image an operation may change.
+/// What a record names: its keys, its place, and the bits of an area image that it may change.
 #ifndef KP410_TESTS_TARGET_H
 #define KP410_TESTS_TARGET_H
 
@@ -33,6 +33,17 @@ inline int areaOf(int type)
 inline qint64 elementsIn(int type, qint64 count)
 {
     return widthOf(type) == 32 ? (count + 1) / 2 : count;
+}
+
+inline bool sameKeys(const RW_VAR& a, const RW_VAR& b)
+{
+    return a.hostKey == b.hostKey && a.hostSubKey == b.hostSubKey;
+}
+
+inline bool samePlace(const RW_VAR& a, const RW_VAR& b)
+{
+    return a.station == b.station && a.regType == b.regType && a.address == b.address &&
+           a.length == b.length;
 }
 
 /// Of a host access: `count` elements from element `address` on.

@@ -36,14 +36,12 @@ public:
     /// little else than hold it keeps out all others.
     void startBeside(const Crew& others, Job job, std::chrono::microseconds pause)
     {
-        threads.emplace_back([this, &others, job, pause] {
-            int n = 0;
-            while (others.isAtWork()) {
-                job(n++);
+        threads.emplace_back([&others, job, pause] {
+            for (int n = 0; others.isAtWork(); ++n) {
+                job(n);
                 if (pause.count() != 0)
                     std::this_thread::sleep_for(pause);
             }
-            calls += n;
         });
     }
     bool isAtWork() const { return atWork != 0; }
@@ -53,8 +51,6 @@ public:
             thread.join();
         threads.clear();
     }
-
-    std::atomic<long> calls{0}; ///< of those beside others, when they have been joined
 
 private:
     std::vector<std::thread> threads;

@@ -12,10 +12,10 @@ namespace
 constexpr int CALLS = 20000;
 QMutex* lock = nullptr; ///< null: the race
 
-void readStore(int /*n*/)
+void queueWrite(int n)
 {
-    QByteArray out;
-    read(MEMORY_WORD, "0", 10, out);
+    QByteArray value(2, '\1');
+    write(MEMORY_WORD, "5", value, 1, n);
 }
 
 void touchStore(int n)
@@ -24,27 +24,16 @@ void touchStore(int n)
     DataStorage[1][AREA_MEMORY].data()[0] = static_cast<char>(n);
 }
 
-void queueWrite(int n)
-{
-    QByteArray value(2, '\1');
-    write(MEMORY_WORD, "5", value, 1, n);
-}
-
 void touchWrites(int n)
 {
     const Locker locker(lock);
     PLC_driver.writeList[1].nodeId = n;
 }
 
-void switchStation(int n)
+void readStore(int /*n*/)
 {
-    EnCommStation(3 + n % 2, 0);
-}
-
-void touchStations(int n)
-{
-    const Locker locker(lock);
-    PLC_driver.stationMap.insert(3, n);
+    QByteArray out;
+    read(MEMORY_WORD, "0", 10, out);
 }
 
 const struct {
@@ -52,16 +41,13 @@ const struct {
     Job called, touching;
     QMutex* lock;
 } races[] = {{"store", readStore, touchStore, &PLC_driver.storageMutex},
-             {"writes", queueWrite, touchWrites, &PLC_driver.listMutex},
-             {"stations", switchStation, touchStations, &PLC_driver.stationMutex}};
+             {"writes", queueWrite, touchWrites, &PLC_driver.listMutex}};
 } // namespace
 
 int main(int argc, char** argv)
 {
-    if (argc != 3)
-        return 2;
     for (const auto& race : races) {
-        if (std::strcmp(race.name, argv[1]) != 0)
+        if (argc != 3 || std::strcmp(race.name, argv[1]) != 0)
             continue;
         resetDriver();
         for (int n = 0; n < 2; ++n) {
@@ -72,6 +58,7 @@ int main(int argc, char** argv)
         Crew crew;
         crew.start(race.called, CALLS);
         crew.start(race.touching, CALLS);
+        return 0;
     }
-    return 0;
+    return 2;
 }

@@ -6,6 +6,8 @@
 #include "support/library.h"
 #include "trace/script.h"
 
+#include <functional>
+
 class Runner
 {
 public:
@@ -17,11 +19,22 @@ public:
     /// @return what went otherwise than the line expects; empty when nothing did
     QString run(const TraceLine& line);
 
+    /// Does what the line says. @return all that has come of it, in the words of traces
+    QString outcome(const TraceLine& line);
+
     /// @return what a case must not leave behind: a callback nobody expected, a lock
     QString ending();
 
+    /// Makes, or does not make, the one call of the library that a line is for.
+    std::function<void(const std::function<void()>& call)> around = plainly;
+    static void plainly(const std::function<void()>& call) { call(); }
+
 private:
-    typedef QString (Runner::*Command)(const TraceLine&);
+    struct Command {
+        const char* name;
+        QString (Runner::*run)(const TraceLine&);
+        bool hasBytes = false; ///< it says bytes, which a trace may set apart
+    };
 
     QString set(const TraceLine& line);
     QString add(const TraceLine& line);
@@ -39,14 +52,24 @@ private:
     QString station(const TraceLine& line);
     QString turns(const TraceLine& line);
     QString address(const TraceLine& line);
+    QString sums(const TraceLine& line);
+    QString digit(const TraceLine& line);
+    QString log(const TraceLine& line);
+    QString waits(const TraceLine& line);
 
-    QList<RW_VAR>* listNamed(const QString& name);
-    int* field(const QString& name);
+    static const Command* commandOf(const TraceLine& line);
+
+    /// What `function` returns, or `neutral` where the call is not made.
+    template <typename Result, typename... Parameters, typename... Arguments>
+    Result call(Result neutral, Result (*function)(Parameters...), Arguments... arguments)
+    {
+        around([&] { neutral = function(arguments...); });
+        return neutral;
+    }
 
     const Library& library;
     Communication_Protocol& driver;
     ComInfo settings;
-    QMap<QString, Command> commands;
 };
 
 #endif

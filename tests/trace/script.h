@@ -2,6 +2,8 @@
 #ifndef KP410_TESTS_SCRIPT_H
 #define KP410_TESTS_SCRIPT_H
 
+#include "support/bytes.h"
+
 #include <QFile>
 #include <QList>
 #include <QStringList>
@@ -18,16 +20,11 @@ struct TraceCase {
     QList<TraceLine> lines;
 };
 
-inline TraceLine traceLine(int number, const QString& text)
+inline TraceLine traceLine(int number, const QString& line)
 {
-    TraceLine line = {number, QStringList(), QStringList(), false};
-    for (const QString& word : text.simplified().split(QLatin1Char(' '))) {
-        if (word == QLatin1String("="))
-            line.expects = true;
-        else
-            (line.expects ? line.expected : line.words) << word;
-    }
-    return line;
+    const QStringList words = line.simplified().split(QLatin1Char(' '));
+    const int sign = words.indexOf(text("="));
+    return {number, words.mid(0, sign), sign < 0 ? QStringList() : words.mid(sign + 1), sign >= 0};
 }
 
 /// The cases of a file: "== name" opens one, "#" starts a comment line. No cases: no such file.
@@ -37,16 +34,12 @@ inline QList<TraceCase> traceCases(const QString& path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return cases;
-    int number = 0;
-    while (!file.atEnd()) {
-        const QString text = QString::fromLatin1(file.readLine()).trimmed();
-        ++number;
-        if (text.isEmpty() || text.startsWith(QLatin1Char('#')))
-            continue;
-        if (text.startsWith(QLatin1String("== ")))
-            cases << TraceCase{text.mid(3), QList<TraceLine>()};
-        else if (!cases.isEmpty())
-            cases.last().lines << traceLine(number, text);
+    for (int number = 1; !file.atEnd(); ++number) {
+        const QString line = QString::fromLatin1(file.readLine()).trimmed();
+        if (line.startsWith(QLatin1String("== ")))
+            cases << TraceCase{line.mid(3), QList<TraceLine>()};
+        else if (!line.isEmpty() && !line.startsWith(QLatin1Char('#')) && !cases.isEmpty())
+            cases.last().lines << traceLine(number, line);
     }
     return cases;
 }

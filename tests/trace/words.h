@@ -35,15 +35,20 @@ inline QString unquoted(const QString& word)
     return word == QLatin1String("''") ? QString() : word;
 }
 
-/// "key=7" among `words` from index `from` on, or `otherwise`.
+/// "key:7" among `words`, or `otherwise`.
 inline QString option(const QStringList& words, const char* key, const QString& otherwise)
 {
-    const QString prefix = QLatin1String(key) + QString::fromLatin1(":");
+    const QString prefix = text(key) + QLatin1Char(':');
     for (const QString& word : words) {
         if (word.startsWith(prefix))
             return word.mid(prefix.size());
     }
     return otherwise;
+}
+
+inline QByteArray hexOption(const QStringList& words, const char* key)
+{
+    return QByteArray::fromHex(option(words, key, QString()).toLatin1());
 }
 
 inline int number(const QStringList& words, const char* key, int otherwise)
@@ -60,13 +65,12 @@ inline RW_VAR variableOf(const QStringList& words)
     var.length = words.value(1).section(QLatin1Char('+'), 1).toInt();
     var.addressText = option(words, "text", QString());
     var.label = option(words, "label", QString());
-    var.data = QByteArray::fromHex(option(words, "data", QString()).toLatin1());
+    var.data = hexOption(words, "data");
     var.hostKey = number(words, "key", 0);
     var.hostSubKey = number(words, "sub", 0);
     var.station = number(words, "station", 1);
     var.nodeId = number(words, "node", 1);
-    var.rwFlag =
-        number(words, "flag", option(words, "data", QString()).isEmpty() ? RW_READ : RW_WRITE);
+    var.rwFlag = number(words, "flag", var.data.isEmpty() ? RW_READ : RW_WRITE);
     var.rmwStep = number(words, "rmw", 0);
     var.auxParam = number(words, "aux", 0);
     return var;
@@ -78,22 +82,36 @@ inline QString numbers(std::initializer_list<int> values)
     QStringList words;
     for (const int value : values)
         words << QString::number(value);
-    return words.join(QString::fromLatin1(","));
+    return words.join(text(","));
 }
 
 /// ADDRESS+LENGTH, and the data where there is some.
 inline QString shapeOf(const RW_VAR& var)
 {
-    const QString place = QString::fromLatin1("%1+%2").arg(var.address).arg(var.length);
+    const QString place = text("%1+%2", var.address, var.length);
     return var.data.isEmpty() ? place : place + QLatin1Char(':') + hexText(var.data);
 }
 
-inline QString shapesOf(const QList<RW_VAR>& list)
+inline QString placeOf(const RW_VAR& var)
 {
-    QStringList shapes;
+    return text("%1/%2", var.station, var.regType);
+}
+
+/// Keys, flag, framing, node, what must be 0 in a list, station, label, address.
+inline QString fieldsOf(const RW_VAR& var)
+{
+    return numbers({var.hostKey, var.hostSubKey, var.rwFlag, var.remoteMode, var.nodeId,
+                    var.result | var.rmwStep | var.auxParam, var.station}) +
+           text(",%1,%2", var.label, var.addressText);
+}
+
+/// One word for each record.
+inline QString allOf(const QList<RW_VAR>& list, QString (*wordOf)(const RW_VAR&))
+{
+    QStringList words;
     for (const RW_VAR& var : list)
-        shapes << shapeOf(var);
-    return shapes.join(QString::fromLatin1(" "));
+        words << wordOf(var);
+    return words.join(text(" "));
 }
 
 #endif

@@ -1,44 +1,17 @@
 // The lines of --trace: what each frame means, and that any bytes whatever have one.
-#include "cases.h"
+#include "support/cases.h"
+#include "support/frames.h"
 #include "trace.h"
-
-#include "../../host/plc/wire.h"
-
-#include <QHash>
-#include <QRandomGenerator>
-
-class PanelTrace : public QObject
-{
-    Q_OBJECT
-private slots:
-    void lines_data() { addCases(); }
-    void lines();
-    void requests_data() { addCases(); }
-    void requests();
-    void replies_data() { addCases(); }
-    void replies();
-    void strays_data() { addCases(); }
-    void strays();
-    void cutAnywhere_data() { addCases(); }
-    void cutAnywhere();
-    void noise();
-    void longFrames();
-};
 
 namespace
 {
 
-/// Hex bytes; a '+' at their end stands for their CRC. "remote: " tells the framing of a request.
-QByteArray bytesOf(QByteArray hex)
+/// "remote: " tells the framing of a request.
+WireFrame frameOf(FrameKind kind, QByteArray frame, QByteArray request)
 {
-    const bool addsCrc = hex.endsWith('+');
-    const QByteArray bytes = QByteArray::fromHex(hex.replace("remote:", ""));
-    return addsCrc ? plc::withCrc(bytes) : bytes;
-}
-
-WireFrame frameOf(FrameKind kind, const QByteArray& hex, const QByteArray& request)
-{
-    return {0, kind, bytesOf(hex), bytesOf(request), (hex + request).contains("remote:")};
+    const bool remote = (frame + request).contains("remote:");
+    return {0, kind, bytes(frame.replace("remote:", "")), bytes(request.replace("remote:", "")),
+            remote};
 }
 
 QString meaning(const WireFrame& frame)
@@ -68,85 +41,88 @@ bool hasLines(const QByteArray& bytes, const QByteArray& other)
     return true;
 }
 
-} // namespace
-
-void PanelTrace::lines()
+QString line(const Given& in)
 {
-    static const QHash<QByteArray, FrameKind> kinds{{"sent", FrameKind::Sent},
-                                                    {"reply", FrameKind::Reply},
-                                                    {"stray", FrameKind::Stray},
-                                                    {"silence", FrameKind::NoReply}};
-    const QList<QByteArray> in = given(4);
-    QVERIFY(kinds.contains(in[1]));
-    WireFrame frame = frameOf(kinds[in[1]], in[2], in[3]);
+    const QHash<QByteArray, FrameKind> kinds{{"sent", FrameKind::Sent},
+                                             {"reply", FrameKind::Reply},
+                                             {"stray", FrameKind::Stray},
+                                             {"silence", FrameKind::NoReply}};
+    WireFrame frame = frameOf(kinds.value(in[1]), in[2], in[3]);
     frame.at = in[0].toLongLong();
-    QTEST(traceLine(frame).replace(QLatin1Char(' '), QLatin1Char('_')), "expected");
+    return traceLine(frame).replace(QLatin1Char(' '), QLatin1Char('_'));
 }
 
-void PanelTrace::requests()
+QString request(const Given& in)
 {
-    QTEST(meaning(frameOf(FrameKind::Sent, given(1)[0], {})), "expected");
+    return meaning(frameOf(FrameKind::Sent, in[0], {}));
 }
 
-void PanelTrace::replies()
+QString reply(const Given& in)
 {
-    const QList<QByteArray> in = given(2);
-    QTEST(meaning(frameOf(FrameKind::Reply, in[1], in[0])), "expected");
+    return meaning(frameOf(FrameKind::Reply, in[1], in[0]));
 }
 
-void PanelTrace::strays()
+QString stray(const Given& in)
 {
-    QTEST(meaning(frameOf(FrameKind::Stray, given(1)[0], {})), "expected");
+    return meaning(frameOf(FrameKind::Stray, in[0], {}));
 }
 
-void PanelTrace::cutAnywhere()
+QString cutAnywhere(const Given& in)
 {
-    const QList<QByteArray> in = given(2);
     const WireFrame whole = frameOf(FrameKind::Reply, in[1], in[0]);
-    QFETCH(QString, expected);
-    for (int length = 0; length <= whole.request.size(); ++length) {
-        QVERIFY(hasLines(whole.request.left(length), whole.bytes));
-        QVERIFY(hasLines(whole.bytes, whole.request.left(length)));
-    }
+    for (int length = 0; length <= whole.request.size(); ++length)
+        if (!hasLines(whole.request.left(length), whole.bytes) ||
+            !hasLines(whole.bytes, whole.request.left(length)))
+            return text("request cut to %1").arg(length);
+    QStringList meanings;
     for (int length = 0; length < whole.bytes.size(); ++length) {
         WireFrame cut = whole;
         cut.bytes.truncate(length);
-        QVERIFY(hasLines(cut.bytes, cut.request));
         const QString missing = QStringLiteral("%1 byte%2 missing")
                                     .arg(whole.bytes.size() - length)
                                     .arg(text(length + 1 == whole.bytes.size() ? "" : "s"));
-        QVERIFY2(meaning(cut).contains(length < 5 ? text("too short") : missing),
-                 qPrintable(meaning(cut)));
+        if (!hasLines(cut.bytes, cut.request) ||
+            !meaning(cut).contains(length < 5 ? text("too short") : missing))
+            return text("cut to %1: ").arg(length) + meaning(cut);
     }
-    QCOMPARE(meaning(whole), expected);
+    return meaning(whole);
 }
 
-void PanelTrace::noise()
-{
-    constexpr int ROUNDS = 5000, LONGEST = 40;
-    const QByteArray codes = QByteArray::fromHex("010203060F103133358307");
-    QRandomGenerator random(410);
-    const auto frame = [&] {
-        QByteArray bytes(random.bounded(LONGEST), '\0');
-        for (char& byte : bytes)
-            byte = static_cast<char>(random.bounded(256));
-        if (bytes.size() > 1 && random.bounded(2) == 0)
-            bytes[1] = codes[random.bounded(codes.size())];
-        return random.bounded(2) == 0 ? plc::withCrc(bytes) : bytes;
-    };
-    for (int i = 0; i < ROUNDS; ++i) {
-        const QByteArray bytes = frame(), other = frame();
-        QVERIFY2(hasLines(bytes, other), bytes.toHex() + " to " + other.toHex());
-    }
-}
+} // namespace
 
-void PanelTrace::longFrames()
+class PanelTrace : public CaseTest
 {
-    QVERIFY(hasLines(QByteArray(100000, '\x10'), QByteArray(70000, '\xFF')));
-    // The length byte wraps.
-    QCOMPARE(meaning({0, FrameKind::Sent, QByteArray(256, '\0'), {}, true}),
-             text("station 0 read INPUT_BIT 0, length 0 (remote, key 0, node 0), 234 value bytes"));
-}
+    Q_OBJECT
+public:
+    PanelTrace()
+        : CaseTest(CASES, {{"lines", 4, line},
+                           {"requests", 1, request},
+                           {"replies", 2, reply},
+                           {"strays", 1, stray},
+                           {"cutAnywhere", 2, cutAnywhere}})
+    {
+    }
+private slots:
+    void noise()
+    {
+        constexpr int ROUNDS = 5000, LONGEST = 40;
+        const QByteArray codes = QByteArray::fromHex("010203060F103133358307");
+        QRandomGenerator random(410);
+        const auto frame = [&] {
+            QByteArray bytes(random.bounded(LONGEST), '\0');
+            for (char& byte : bytes)
+                byte = static_cast<char>(random.bounded(256));
+            if (bytes.size() > 1 && random.bounded(2) == 0)
+                bytes[1] = codes[random.bounded(codes.size())];
+            return random.bounded(2) == 0 ? plc::withCrc(bytes) : bytes;
+        };
+        for (int i = 0; i < ROUNDS; ++i) {
+            const QByteArray bytes = frame(), other = frame();
+            QVERIFY2(hasLines(bytes, other), bytes.toHex() + " to " + other.toHex());
+        }
+        QVERIFY(hasLines(QByteArray(100000, '\x10'), QByteArray(70000, '\xFF')));
+    }
+};
 
 QTEST_APPLESS_MAIN(PanelTrace)
 #include "tst_panel_trace.moc"

@@ -1,12 +1,12 @@
-#ifndef TESTS_PLC_FRAMES_H
-#define TESTS_PLC_FRAMES_H
+// Frames as tests write them.
+#pragma once
 
 #include "plc/wire.h"
 
 #include <QList>
 
-/// Bytes as tests write them: hex, 55*512 for 512 times 55; at the end + adds the CRC of a local
-/// frame, ~ the length byte and the checksum of a remote one.
+/// Bytes in hex, 55*512 for 512 times 55; a + adds the CRC of a local frame, a ~ the length byte
+/// and the checksum of a remote one.
 inline QByteArray bytes(const QByteArray& text)
 {
     QByteArray made;
@@ -26,5 +26,3 @@ inline QByteArray bytes(const QByteArray& text)
     }
     return made;
 }
-
-#endif

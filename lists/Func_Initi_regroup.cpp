@@ -147,13 +147,15 @@ void BitVarReCreat(const QList<RW_VAR>* group, int maxLength)
 
 int ReCreatReadVarList(QList<VAR_DESC>* vars)
 {
-    ComInfo* settings = PLC_driver.comInfo;
-    if (!vars || (!settings && !vars->isEmpty()))
+    if (!vars)
+        return 0;
+    ComInfo* settings = vars->isEmpty() ? nullptr : PLC_driver.comInfo;
+    if (!settings && !vars->isEmpty())
         return 0;
     return guarded(0, [=] {
         Locker lock(&PLC_driver.listMutex);
         Refilling<RW_VAR> refilling(PLC_driver.readList);
-        if (!vars->isEmpty()) {
+        if (settings) {
             appendBlocks(*vars, *settings);
             PLC_driver.scanCount = 0;
             settings->scanDone = 0;

@@ -157,7 +157,7 @@ struct Soak {
     void checkWrites()
     {
         QSet<int> waiting, listed;
-        qint64 over = ended;
+        qint64 over = ended, different = 0;
         bool open = false;
         for (const Write& write : panel.writes) {
             const bool isFailed = write.state == WriteState::Failed;
@@ -167,7 +167,7 @@ struct Soak {
                 waiting << write.hostKey;
             if (write.readBack != ReadBack::Different)
                 continue;
-            ++doubted;
+            ++different;
             if (panel.tags[write.tag].station != REPEATING)
                 blame(writeText(write, panel.tags) + QStringLiteral(" is done, but not there"));
         }
@@ -179,6 +179,7 @@ struct Soak {
         if (open)
             return;
         ended = over;
+        doubted += different;
         last = std::exchange(panel.writes, {});
     }
 

@@ -27,6 +27,11 @@ void noteOutcome(LateReplies* late, const Asked& asked, bool answered, Micros as
     QVector<Unanswered>& requests = late->requests;
     const auto expired = [askedAt](const Unanswered& u) { return u.expires <= askedAt; };
     requests.erase(std::remove_if(requests.begin(), requests.end(), expired), requests.end());
+    for (Unanswered& u : requests) {
+        if (isWrite(asked) && u.asked.frame != asked.frame &&
+            stationAsked(u.asked) == stationAsked(asked))
+            u.outdated = true;
+    }
     const auto sameFrame = [&asked](const Unanswered& u) { return u.asked.frame == asked.frame; };
     const auto earlierTry = std::find_if(requests.begin(), requests.end(), sameFrame);
     if (answered && earlierTry == requests.end())
@@ -40,8 +45,8 @@ Hold holdBefore(const LateReplies& late, const Asked& next, Micros now)
 {
     Hold hold;
     for (const Unanswered& unanswered : late.requests) {
-        if (unanswered.asked.frame == next.frame || unanswered.expires <= now ||
-            !answersLookAlike(unanswered.asked, next))
+        const bool repeated = unanswered.asked.frame == next.frame && !unanswered.outdated;
+        if (repeated || unanswered.expires <= now || !answersLookAlike(unanswered.asked, next))
             continue;
         hold.time = std::max(hold.time, unanswered.expires - now);
         ++hold.expected;

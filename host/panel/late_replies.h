@@ -11,7 +11,8 @@
 struct Unanswered {
     Asked asked;
     Micros askedAt = 0;
-    Micros expires = 0; ///< an answer later than this is not expected
+    Micros expires = 0;    ///< an answer later than this is not expected
+    bool outdated = false; ///< the station has been written to since
 };
 
 struct LateReplies {
@@ -30,8 +31,9 @@ struct Hold {
 void noteOutcome(LateReplies* late, const Asked& asked, bool answered, Micros askedAt,
                  Micros timeout);
 
-/// A repeated frame needs no care, since either answer is right for it, nor does one whose answer
-/// will look different.
+/// A repeated frame needs no care, since either answer is right for it, unless the station has been
+/// written to meanwhile: a word read before that, put back with a bit of it changed, would undo the
+/// write. Nor does a frame whose answer will look different.
 Hold holdBefore(const LateReplies& late, const Asked& next, Micros now);
 
 /// Notes bytes that were thrown away: the answer to a request that is still open may be among them,

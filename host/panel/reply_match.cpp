@@ -1,6 +1,7 @@
 #include "reply_match.h"
 
 #include "../plc/wire.h"
+#include "../remote_layout.h"
 #include "decode_parts.h"
 
 namespace
@@ -43,6 +44,17 @@ bool countsItself(const QByteArray& reply)
 }
 
 } // namespace
+
+bool isWrite(const Asked& asked)
+{
+    return asked.remote ? plc::byteAt(asked.frame, remote_layout::RW_FLAG_OFFSET) == RW_WRITE
+                        : !isRead(asked);
+}
+
+int stationAsked(const Asked& asked)
+{
+    return plc::byteAt(asked.frame, asked.remote ? remote_layout::STATION_OFFSET : STATION_OFFSET);
+}
 
 bool answersLookAlike(const Asked& a, const Asked& b)
 {

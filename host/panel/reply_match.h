@@ -10,6 +10,10 @@ struct Asked {
     bool remote = false; ///< framing; remote replies do not say what they answer
 };
 
+bool isWrite(const Asked& asked);
+
+int stationAsked(const Asked& asked);
+
 /// Whether nothing in an answer to one could show that it is not the answer to the other.
 bool answersLookAlike(const Asked& a, const Asked& b);
 

@@ -25,7 +25,7 @@ class Cable:
 
     async def connect(self, panel_says, panel):
         controller_says, controller = await asyncio.open_connection(*self.controller)
-        self.left = self.random.randrange(200, 600) if self.cuts < CUTS else None
+        self.left = self.random.randrange(100, 300) if self.cuts < CUTS else None
         await asyncio.gather(self.carry(panel_says, controller, panel),
                              self.carry(controller_says, panel, controller))
 

@@ -25,7 +25,11 @@ void QThread::usleep(unsigned long micros)
 
 namespace
 {
-constexpr qint64 MOST_GROWTH_KIB = 256;                     ///< after a tenth of the turns
+#if defined(__SANITIZE_ADDRESS__)        // what is freed is kept for a while
+constexpr qint64 MOST_GROWTH_KIB = 4096; ///< after a tenth of the turns
+#else
+constexpr qint64 MOST_GROWTH_KIB = 256;
+#endif
 constexpr int CHANGE_STEP = 30;                             ///< in turns
 constexpr int CHANGED = 320;                                ///< bits and words, the first
 constexpr Micros QUIET = LONGEST_PROBE + MICROS_PER_SECOND; ///< all stations are on again

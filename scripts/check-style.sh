@@ -21,6 +21,7 @@ declare -A may_include=(
     [encode]="check data lists encode"
     [driver]="check data lists encode driver"
     [host]=""
+    [bench]=""
 )
 failed=0
 for room in "${!may_include[@]}"; do

@@ -3,7 +3,7 @@
 set -euo pipefail
 
 usage() {
-    echo "usage: $0 demo|tests" >&2
+    echo "usage: $0 demo|tests|bench" >&2
     exit 2
 }
 
@@ -16,6 +16,7 @@ tests)
     # Peers of the programs, and what looks at them as a person does.
     packages+=(libmodbus-dev python3-pymodbus python3-serial-asyncio mbpoll tshark tmux mandoc)
     ;;
+bench) packages+=(libbenchmark-dev libmodbus-dev pkg-config python3 valgrind) ;;
 *) usage ;;
 esac
 

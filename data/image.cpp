@@ -37,10 +37,30 @@ void putBytes(unsigned char* target, const QByteArray& source, int from, int cou
     std::memset(target + present, 0, static_cast<std::size_t>(count - present));
 }
 
+namespace
+{
+constexpr int FOUR_WORDS = 4 * BYTES_PER_WORD;
+
+/// Swaps the bytes of four words at once, whatever the processor's own order: a fifth of a turn
+/// that reads 120 words.
+void swapFourWords(unsigned char* target, const unsigned char* wire)
+{
+    constexpr quint64 everySecond = 0x00FF00FF00FF00FF;
+    quint64 words = 0;
+    static_assert(sizeof words == FOUR_WORDS, "four words to a load");
+    std::memcpy(&words, wire, sizeof words);
+    words = ((words & everySecond) << BITS_PER_BYTE) | ((words >> BITS_PER_BYTE) & everySecond);
+    std::memcpy(target, &words, sizeof words);
+}
+} // namespace
+
 void putSwappedWords(unsigned char* target, const QByteArray& source, int from, int words)
 {
     const unsigned char* wire = wireBytes(source) + from;
-    for (const unsigned char* end = wire + 2 * std::ptrdiff_t{words}; wire != end; wire += 2) {
+    const unsigned char* end = wire + BYTES_PER_WORD * std::ptrdiff_t{words};
+    for (; end - wire >= FOUR_WORDS; wire += FOUR_WORDS, target += FOUR_WORDS)
+        swapFourWords(target, wire);
+    for (; wire != end; wire += BYTES_PER_WORD) {
         *target++ = wire[1];
         *target++ = wire[0];
     }

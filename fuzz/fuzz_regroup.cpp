@@ -25,7 +25,6 @@ VAR_DESC described(const std::uint8_t* data)
                                 : FAR[data[5] % std::size(FAR)] / (data[5] & 16 ? 64 : 1);
     const bool dotted = (desc.regType <= MEMORY_BIT) != (data[1] >= 250);
     desc.addressText = dotted ? text("%1.%2", address / 8, address % 8) : QString::number(address);
-    desc.label = desc.addressText + text(" of %1", desc.station);
     return desc;
 }
 

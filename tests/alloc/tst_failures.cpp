@@ -7,8 +7,6 @@
 #include <QVarLengthArray>
 #include <QtTest>
 
-#include <thread>
-
 namespace
 {
 // Never unloaded: Qt's own leaks are known by the names of functions in it.
@@ -240,26 +238,6 @@ private slots:
         }
         QCOMPARE(runner.run(traceLine(0, text(">+ 01 03 00 00 00 02"))), QString());
         QCOMPARE(driver.writeList.size(), 1);
-    }
-
-    /// In a thread where nothing of Qt has been made yet, on a disk that is full.
-    void logOfANewThread()
-    {
-        QFile::remove(text("debug.log"));
-        QVERIFY(QFile::link(text("/dev/full"), text("debug.log")));
-        for (const FailingMemory how : {ONE_FAILS, ALL_FAIL}) {
-            int failures = -1;
-            for (int nth = 1; failures != 0; ++nth) {
-                std::thread([&] {
-                    failMemory(how, nth);
-                    BIND(library, customMessageHandler)(QtDebugMsg, "abc");
-                    failures = restoreMemory();
-                }).join();
-                injected += failures > 0 ? 1 : 0;
-                QVERIFY2(failures > 0 || nth > 1, "nothing has failed");
-            }
-        }
-        QVERIFY(QFile::remove(text("debug.log")));
     }
 
     void cleanupTestCase() { qDebug("%d failed allocations", injected); }

@@ -60,7 +60,4 @@ private:
 int modelAddress(int type, const QString& text);
 void toNative(RW_VAR& var);
 
-/// In every field.
-bool sameRecord(const RW_VAR& a, const RW_VAR& b);
-
 #endif

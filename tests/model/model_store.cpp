@@ -39,12 +39,6 @@ bool isBits(int type)
     return widthOf(type) == 1;
 }
 
-bool sameRecords(const QList<RW_VAR>& a, const QList<RW_VAR>& b)
-{
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), sameRecord);
-}
-} // namespace
-
 bool sameRecord(const RW_VAR& a, const RW_VAR& b)
 {
     return sameKeys(a, b) && samePlace(a, b) && a.rwFlag == b.rwFlag &&
@@ -52,6 +46,12 @@ bool sameRecord(const RW_VAR& a, const RW_VAR& b)
            a.rmwStep == b.rmwStep && a.auxParam == b.auxParam && a.label == b.label &&
            a.addressText == b.addressText && a.data == b.data;
 }
+
+bool sameRecords(const QList<RW_VAR>& a, const QList<RW_VAR>& b)
+{
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), sameRecord);
+}
+} // namespace
 
 /// At least `size` bytes of it, which are 0 at first.
 QByteArray& Model::image(int station, int area, qint64 size)

@@ -6,6 +6,7 @@ add_library(kp410_core OBJECT
   check/Func_Check_registers.cpp
   check/Func_Check_reply.cpp
   check/Func_Check_sums.cpp
+  check/address.cpp
   data/Func_DealData.cpp
   data/Func_GetOrSetData_read.cpp
   data/Func_GetOrSetData_store.cpp

@@ -22,11 +22,7 @@ QList<RW_VAR>* queueOf(int source)
 bool headHasDuplicate(const QList<RW_VAR>& queue)
 {
     const RW_VAR& head = queue.at(0);
-    for (int i = 1; i < queue.size(); ++i) {
-        if (sameKeys(queue.at(i), head))
-            return true;
-    }
-    return false;
+    return findBehindHead(queue, [&](const RW_VAR& later) { return sameKeys(later, head); }) > 0;
 }
 
 void reportCompletion(const ComInfo& settings, const QList<RW_VAR>& queue, bool failed)

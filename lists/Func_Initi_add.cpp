@@ -1,4 +1,5 @@
 #include "check/Func_Check.h"
+#include "check/address.h"
 #include "check/guarded.h"
 #include "check/locks.h"
 #include "check/records.h"
@@ -11,11 +12,7 @@ namespace
 /// may be on the wire.
 int findReplaceable(const QList<RW_VAR>& writes, const RW_VAR& var)
 {
-    for (int i = 1; i < writes.size(); ++i) {
-        if (sameTarget(writes.at(i), var))
-            return i;
-    }
-    return -1;
+    return findBehindHead(writes, [&](const RW_VAR& queued) { return sameTarget(queued, var); });
 }
 
 /// Puts `var` in the place of the pending write that it replaces, else at the end of a list that is
@@ -64,7 +61,7 @@ int addUnchanged(QList<RW_VAR>& list, const RW_VAR& var)
 int addConverted(QList<RW_VAR>& reads, RW_VAR& var)
 {
     const ComInfo* settings = PLC_driver.comInfo;
-    const int address = settings ? StringAddressToInt(var.regType, var.addressText) : -1;
+    const int address = settings ? elementAddress(var.regType, var.addressText) : -1;
     if (address < 0)
         return 0;
     if (settings->stationPerVar == 0)

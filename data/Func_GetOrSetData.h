@@ -13,8 +13,14 @@
 /// Takes `storageMutex`.
 void WriteDataToLocal(const RW_VAR* var);
 
-/// The same for a write that is on its way to the controller, which no want of memory may hold up:
-/// the store then learns the value from the next read.
+/// Puts `count` elements of a word or double-word type, as the runtime hands them over, into the
+/// area image at element `address`; missing bytes are 0. For accesses within reach. Without a
+/// record for WriteDataToLocal it takes a third of the time. Takes `storageMutex`; throws as above.
+void storeWords(int station, const RegisterTypeInfo& info, int address, const QByteArray& value,
+                int count);
+
+/// The same as WriteDataToLocal for a write that is on its way to the controller, which no want of
+/// memory may hold up: the store then learns the value from the next read.
 void showWritten(const RW_VAR& var);
 
 #endif

@@ -43,6 +43,17 @@ void WriteDataToLocal(const RW_VAR* var)
         putBytes(target, data, 0, static_cast<int>(span.bytes));
 }
 
+void storeWords(int station, const RegisterTypeInfo& info, int address, const QByteArray& value,
+                int count)
+{
+    const int bytes = valueBytes(info, count);
+    if (bytes == 0)
+        return;
+    const qint64 start = qint64{info.bytesPerElement} * address;
+    Locker lock(&PLC_driver.storageMutex);
+    putBytes(writableSpan(areaImage(station, info.area), {start, bytes}), value, 0, bytes);
+}
+
 void showWritten(const RW_VAR& var)
 {
     guarded([&var] { WriteDataToLocal(&var); });

@@ -1,4 +1,5 @@
 #include "check/Func_Check.h"
+#include "check/address.h"
 #include "check/guarded.h"
 #include "check/locks.h"
 #include "check/records.h"
@@ -100,6 +101,11 @@ int queueWrite(RW_VAR& record, const RegisterTypeInfo& info, const QByteArray& v
     return pending;
 }
 
+constexpr bool isMadeOfWords(const RegisterTypeInfo& info)
+{
+    return info.definition == DEF_WORD || info.definition == DEF_DWORD;
+}
+
 int writeValue(RW_VAR& record, const ComInfo& settings, QByteArray& value)
 {
     const RegisterTypeInfo* info = findRegisterType(record.regType);
@@ -128,9 +134,17 @@ int SetRegisterData(QString* label, int type, QString* addressText, int station,
     const ComInfo* settings = PLC_driver.comInfo;
     if (!label || !addressText || !value || !settings)
         return 0;
-    const int address = PLCAddressChangeIntef(type, *addressText);
+    const int address = guarded(-1, [=] { return elementAddress(type, *addressText); });
     if (address < 0 || count > MAX_ELEMENTS || !isWithinReach(hostAccess(type, address, count)))
         return 0;
+    const int target = settings->stationPerVar != 0 ? station : settings->defaultStation;
+    const RegisterTypeInfo* info = findRegisterType(type);
+    if (settings->writeMode != WRITE_QUEUE && info && isMadeOfWords(*info)) {
+        return guarded(0, [=] {
+            storeWords(target, *info, address, *value, count);
+            return 1;
+        });
+    }
 
     RW_VAR record;
     record.hostKey = hostKey;
@@ -142,7 +156,7 @@ int SetRegisterData(QString* label, int type, QString* addressText, int station,
     record.addressText = *addressText;
     record.regType = type;
     record.address = address;
-    record.station = settings->stationPerVar != 0 ? station : settings->defaultStation;
+    record.station = target;
     record.length = count;
 
     return guarded(0, [&] { return writeValue(record, *settings, *value); });

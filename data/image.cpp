@@ -1,11 +1,23 @@
 #include "data/image.h"
 
+#include "check/locks.h"
+
 #include <algorithm>
 #include <cstring>
 
 QByteArray& areaImage(int station, int area)
 {
     return DataStorage[station][area];
+}
+
+const QByteArray* findImage(int station, int area)
+{
+    const QMap<int, QMap<int, QByteArray>>& store = DataStorage;
+    const auto areas = store.constFind(station);
+    if (areas == store.constEnd())
+        return nullptr;
+    const auto image = areas->constFind(area);
+    return image == areas->constEnd() ? nullptr : &image.value();
 }
 
 HostAccess hostAccess(int type, int address, int count)
@@ -24,9 +36,39 @@ void growImage(QByteArray& image, int size)
     std::memset(image.data() + before, 0, static_cast<std::size_t>(size - before));
 }
 
+namespace
+{
+bool growsInPlace(int station, int area, int size)
+{
+    Locker lock(&PLC_driver.storageMutex);
+    QByteArray& image = areaImage(station, area);
+    if (image.capacity() < size)
+        return false;
+    growImage(image, size);
+    return true;
+}
+} // namespace
+
+void lengthenImage(int station, int area, int size)
+{
+    if (growsInPlace(station, area, size))
+        return;
+    QByteArray longer; // gone after the lock, with what it has been exchanged for
+    longer.reserve(size + size / 2);
+    growImage(longer, size);
+    Locker lock(&PLC_driver.storageMutex);
+    QByteArray& image = areaImage(station, area);
+    if (image.size() >= size)
+        return;
+    std::memcpy(longer.data(), image.constData(), static_cast<std::size_t>(image.size()));
+    image.swap(longer);
+}
+
 unsigned char* writableSpan(QByteArray& image, ImageSpan span)
 {
-    growImage(image, static_cast<int>(span.start + span.bytes));
+    const int end = static_cast<int>(span.start + span.bytes);
+    if (image.size() < end)
+        growImage(image, end);
     return reinterpret_cast<unsigned char*>(image.data()) + span.start;
 }
 
@@ -34,7 +76,8 @@ void putBytes(unsigned char* target, const QByteArray& source, int from, int cou
 {
     const int present = std::clamp(source.size() - from, 0, count);
     std::memcpy(target, source.constData() + from, static_cast<std::size_t>(present));
-    std::memset(target + present, 0, static_cast<std::size_t>(count - present));
+    if (present < count)
+        std::memset(target + present, 0, static_cast<std::size_t>(count - present));
 }
 
 namespace

@@ -52,6 +52,14 @@ constexpr ImageSpan spanOfBits(qint64 firstBit, qint64 bits)
 /// The image of `area` at `station`, created empty on first use. Hold `storageMutex`.
 QByteArray& areaImage(int station, int area);
 
+/// The image of `area` at `station`, or null before its first use. Hold `storageMutex`.
+const QByteArray* findImage(int station, int area);
+
+/// Lengthens the image of `area` at `station`, created on first use, to at least `size` bytes. The
+/// memory is found and set to 0 before the lock is taken, which no reply is to wait for; room for
+/// half as much again keeps many small steps cheap. Takes `storageMutex`.
+void lengthenImage(int station, int area, int size);
+
 /// Lengthens `image` to at least `size` bytes; new bytes are 0.
 void growImage(QByteArray& image, int size);
 

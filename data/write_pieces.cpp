@@ -25,9 +25,21 @@ constexpr WriteRule ruleOf(const RegisterTypeInfo& info)
 }
 } // namespace
 
+namespace
+{
+/// False for an array that shows memory of others (QByteArray::fromRawData), which may be gone when
+/// the write is sent. Qt 4 does not tell them apart.
+bool ownsItsBytes(const QByteArray& value)
+{
+    return QT_VERSION >= QT_VERSION_CHECK(5, 0, 0) && value.capacity() > 0;
+}
+} // namespace
+
 QByteArray normalisedValue(const RegisterTypeInfo& info, const QByteArray& value, int count)
 {
     const int bytes = valueBytes(info, count);
+    if (info.definition != DEF_BYTE && value.size() == bytes && ownsItsBytes(value))
+        return value;
     QByteArray normal(bytes, '\0');
     unsigned char* out = reinterpret_cast<unsigned char*>(normal.data());
     if (info.definition != DEF_BYTE) {
@@ -56,7 +68,8 @@ WritePiece pieceAt(const RegisterTypeInfo& info, int address, const QByteArray& 
                    int bytes)
 {
     const WriteRule rule = ruleOf(info);
-    const QByteArray data = value.mid(position, bytes);
+    const bool whole = position == 0 && bytes == value.size();
+    const QByteArray data = whole ? value : value.mid(position, bytes);
     const qint64 start = qint64{address} * rule.unitsPerElement +
                          qint64{position} * rule.unitsPerTwoBytes / BYTES_PER_WORD;
     return {wrapToInt(start), pieceLength(info, data.size()), data};

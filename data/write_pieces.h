@@ -15,7 +15,8 @@ struct WritePiece {
 };
 
 /// The value in the runtime's format as elements alone, padded with zeros and cut to `count`
-/// elements: a byte per bit or byte, 2 per word, 4 per double word (two of `count`).
+/// elements: a byte per bit or byte, 2 per word, 4 per double word (two of `count`). One that is so
+/// already comes back as it is, shared: for a word that is a quarter of the cost of queueing it.
 QByteArray normalisedValue(const RegisterTypeInfo& info, const QByteArray& value, int count);
 
 /// Bytes of a normalised value of `total` bytes that one queued piece carries. `blockLimit` is in

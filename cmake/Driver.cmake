@@ -25,6 +25,7 @@ add_library(kp410_core OBJECT
   encode/Func_Remote.cpp
   encode/Func_Write.cpp
   encode/frame.cpp
+  encode/queue.cpp
   lists/Func_Initi_address.cpp
   lists/Func_Initi_add.cpp
   lists/Func_Initi_regroup.cpp

@@ -11,5 +11,5 @@ void* RWI = nullptr;
 void passRetValue(const RW_VAR& from, RW_VAR& to)
 {
     to = from;
-    to.data = QByteArray();
+    to.data.clear();
 }

@@ -4,6 +4,7 @@
 #include "driver/Communication_Protocol.h"
 #include "driver/dispatch.h"
 #include "driver/finish.h"
+#include "encode/queue.h"
 
 namespace
 {
@@ -15,10 +16,11 @@ bool isGood(int code)
 /// The result code of a reply. One that there is no memory to store or to merge is as good as none.
 int judge(QByteArray* reply, int length, bool remote)
 {
-    const int missing = GetDriverReturnValue(remote ? REMOTE_MISSING : LOCAL_MISSING);
-    return guarded(missing, [=] {
+    constexpr int unjudged = -1;
+    const int code = guarded(unjudged, [=] {
         return remote ? DealDataOfRemoteArea(reply, length) : DealDataOfLocalArea(reply, length);
     });
+    return code != unjudged ? code : GetDriverReturnValue(remote ? REMOTE_MISSING : LOCAL_MISSING);
 }
 
 /// Counts a completed variable towards the full pass over the cyclic list.
@@ -36,7 +38,7 @@ void countTowardsScan(ComInfo& settings)
 /// @return the result code of the step
 int takeGoodReply(ComInfo& settings, int code, bool remote)
 {
-    PLC_driver.frameList.removeFirst(); // the last that may throw: the runtime may hold a copy
+    dropAnsweredFrame(); // the last that may throw: the runtime may hold a copy
     PLC_driver.lastFailed = false;
     settings.framesDone = wrapAdd(settings.framesDone, 1);
     // A frame that waits speaks against counters that the runtime has changed under way.

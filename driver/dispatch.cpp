@@ -34,13 +34,20 @@ constexpr Outcome remoteOf(Outcome local)
     return static_cast<Outcome>(local + (REMOTE_GOOD - LOCAL_GOOD));
 }
 
-/// What the runtime's array holds beyond the first `length` bytes is no part of the reply.
-void storeLocal(const QByteArray& reply, int length)
+void storeWhole(QByteArray* reply)
 {
-    QByteArray frame = reply.left(length);
     Locker lists(completesWrite(headFrame()) ? &PLC_driver.listMutex : nullptr);
     Locker storage(&PLC_driver.storageMutex);
-    SaveToLocalDataErea(&frame);
+    SaveToLocalDataErea(reply);
+}
+
+/// What the runtime's array holds beyond the first `length` bytes is no part of the reply.
+void storeLocal(QByteArray* reply, int length)
+{
+    if (reply->size() == length)
+        return storeWhole(reply);
+    QByteArray frame = reply->left(length);
+    storeWhole(&frame);
 }
 
 int completeRemoteWrite(const QByteArray& reply, int length)
@@ -60,7 +67,7 @@ int DealDataOfLocalArea(QByteArray* reply, int length)
         if (check == REPLY_REFUSED)
             outcome = LOCAL_CORRUPT;
         else if (check == REPLY_DATA)
-            storeLocal(*reply, length);
+            storeLocal(reply, length);
     }
     return GetDriverReturnValue(outcome);
 }

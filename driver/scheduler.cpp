@@ -24,9 +24,12 @@ void encode(const ComInfo& settings, int source, const RW_VAR& var)
 /// @return true when the head's station is on
 bool passOverOffStations(QList<RW_VAR>& list)
 {
-    for (int i = 0; i < list.size() && Ethernetcontains(list.at(0).station); ++i)
+    for (int i = 0; i < list.size(); ++i) {
+        if (!Ethernetcontains(list.at(0).station))
+            return true;
         rotate(list);
-    return !Ethernetcontains(list.at(0).station);
+    }
+    return false;
 }
 
 /// Starts the next variable of a list. @return true when its head was to be served

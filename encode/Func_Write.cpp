@@ -16,6 +16,14 @@ constexpr bool isNarrow(const RegisterTypeInfo& info)
     return info.definition == DEF_BIT || info.definition == DEF_BYTE;
 }
 
+/// The first word of `data`; missing bytes are 0.
+int wordOf(const QByteArray& data)
+{
+    const unsigned char* bytes = wireBytes(data);
+    const int low = data.isEmpty() ? 0 : bytes[0];
+    return data.size() < BYTES_PER_WORD ? low : bytes[1] << BITS_PER_BYTE | low;
+}
+
 Encoder encoderOf(int regType)
 {
     const RegisterTypeInfo* info = findRegisterType(regType);
@@ -67,6 +75,13 @@ void WriteAnalog(const RW_VAR* var)
     if (var->regType != MEMORY_WORD && var->regType != MEMORY_DWORD)
         return;
     const bool single = var->length == 1;
+    if (single && var->regType == MEMORY_WORD) {
+        queueFrame(
+            shortRequest(var->station, FC_WRITE_MEMORY_WORD, var->address, wordOf(var->data)),
+            WRITE_REPLY, *var);
+        beginRequest(1);
+        return;
+    }
     const int whole = std::max(var->length, 0);
     // Half a double word is not written. Its low word comes first, so swapping words is enough.
     const int words = var->regType == MEMORY_DWORD ? whole / 2 * 2 : whole;
@@ -96,15 +111,13 @@ void WriteBool_WordOfBit(const RW_VAR* var)
     Appending<Protocol> pair(PLC_driver.frameList);
     step.rwFlag = RW_READ;
     step.rmwStep = RMW_READ_STEP;
-    queueFrame(readRequest(var->station, FC_READ_MEMORY_WORDS, step.address, 1),
+    queueFrame(shortRequest(var->station, FC_READ_MEMORY_WORDS, step.address, 1),
                replyOfRead(MEMORY_WORD, 1), step);
 
     step.rwFlag = RW_WRITE;
     step.rmwStep = RMW_NONE;
-    QByteArray frame = localHead(var->station, FC_WRITE_MEMORY_WORD, step.address);
-    append16(frame, 0); // the value and the CRC are known when the read has been answered
-    append16(frame, 0);
-    queueFrame(frame, WRITE_REPLY, step);
+    // The value and the CRC are known when the read has been answered.
+    queueFrame(shortHead(var->station, FC_WRITE_MEMORY_WORD, step.address), WRITE_REPLY, step);
     pair.keep();
     beginRequest(2);
 }

@@ -2,6 +2,7 @@
 
 #include "check/Func_Check.h"
 #include "check/arith.h"
+#include "data/image.h"
 
 #include <algorithm>
 #include <limits>
@@ -11,7 +12,6 @@ namespace
 constexpr int LARGEST_READ_DATA = std::numeric_limits<int>::max() - READ_DATA_OFFSET - CRC_BYTES;
 constexpr int REMOTE_HEAD_BYTES = 21;
 constexpr int CHECKSUM_BYTES = 1;
-constexpr int SHORT_FRAME_BYTES = 8; // reads and single writes
 
 char byteOf(int value, int shift)
 {
@@ -40,8 +40,8 @@ void append16(QByteArray& frame, int value)
 
 void append32(QByteArray& frame, int value)
 {
-    append16(frame, value >> 16);
-    append16(frame, value);
+    const char bytes[] = {byteOf(value, 24), byteOf(value, 16), byteOf(value, 8), byteOf(value, 0)};
+    frame.append(bytes, sizeof bytes);
 }
 
 void appendCrc(QByteArray& frame)
@@ -61,20 +61,29 @@ QByteArray localHead(int station, int functionCode, int address)
     return frame;
 }
 
-QByteArray readRequest(int station, int functionCode, int address, int count)
+ShortFrame shortHead(int station, int functionCode, int address)
 {
-    QByteArray frame = localHead(station, functionCode, address);
-    append16(frame, count);
-    appendCrc(frame);
+    return {byteOf(station, 0), byteOf(functionCode, 0), byteOf(address, 8), byteOf(address, 0)};
+}
+
+ShortFrame shortRequest(int station, int functionCode, int address, int value)
+{
+    constexpr int crcAt = SHORT_FRAME_BYTES - CRC_BYTES;
+    ShortFrame frame = shortHead(station, functionCode, address);
+    frame[crcAt - 2] = byteOf(value, 8);
+    frame[crcAt - 1] = byteOf(value, 0);
+    const int crc = CalCRC(reinterpret_cast<const unsigned char*>(frame.data()), crcAt);
+    frame[crcAt] = byteOf(crc, 0);
+    frame[crcAt + 1] = byteOf(crc, 8);
     return frame;
 }
 
-QByteArray readRequestOf(const RW_VAR& var)
+ShortFrame readRequestOf(const RW_VAR& var)
 {
     const AreaInfo* area = findArea(getPlcReg(var.regType));
     const int code = area ? area->readCode : int{FC_NONE};
     const int units = area ? area->wireUnitsPerUnit : 1;
-    return readRequest(var.station, code, wrapMul(var.address, units), wrapMul(var.length, units));
+    return shortRequest(var.station, code, wrapMul(var.address, units), wrapMul(var.length, units));
 }
 
 QByteArray remoteRequest(const RW_VAR& var, const QByteArray& data)
@@ -99,9 +108,11 @@ QByteArray remoteRequest(const RW_VAR& var, const QByteArray& data)
 
 QByteArray wireWords(const QByteArray& data, int words)
 {
-    QByteArray wire(2 * words, '\0');
-    char* out = wire.data();
-    for (int i = 0; i < std::min(wire.size(), data.size()); ++i)
-        out[i ^ 1] = data.at(i);
+    QByteArray wire(BYTES_PER_WORD * words, '\0');
+    const int present = std::min(words, data.size() / BYTES_PER_WORD);
+    unsigned char* out = reinterpret_cast<unsigned char*>(wire.data());
+    putSwappedWords(out, data, 0, present);
+    if (present < words && data.size() % BYTES_PER_WORD != 0) // half a word, its low byte
+        out[BYTES_PER_WORD * present + 1] = wireBytes(data)[data.size() - 1];
     return wire;
 }

@@ -4,7 +4,11 @@
 
 #include "talmor_kp410_port.h"
 
-inline constexpr int WRITE_REPLY_BYTES = 8; ///< echo of station, code, address, value; CRC
+#include <array>
+
+inline constexpr int SHORT_FRAME_BYTES = 8; ///< station, code, address, count or value; CRC
+inline constexpr int WRITE_REPLY_BYTES = SHORT_FRAME_BYTES; ///< echoes as much of the request
+typedef std::array<char, SHORT_FRAME_BYTES> ShortFrame;
 
 /// The reply that a request expects.
 struct ReplyShape {
@@ -31,11 +35,13 @@ void appendCrc(QByteArray& frame);
 /// Station, function code and start address: the head of every local request.
 QByteArray localHead(int station, int functionCode, int address);
 
-/// A read request of 8 bytes, in wire units (bits or words).
-QByteArray readRequest(int station, int functionCode, int address, int count);
+/// A request of 8 bytes: a read with the count, or a write of one word with the value, in wire
+/// units (bits or words). Its head is one with zeros in the place of value and CRC.
+ShortFrame shortRequest(int station, int functionCode, int address, int value);
+ShortFrame shortHead(int station, int functionCode, int address);
 
 /// The local read of a variable in native units; an unknown type gives function code FC_NONE.
-QByteArray readRequestOf(const RW_VAR& var);
+ShortFrame readRequestOf(const RW_VAR& var);
 
 /// The description of `var` in the remote framing, with the value bytes `data`, the length in byte
 /// 0 and the checksum at the end.

@@ -1,21 +1,15 @@
-/// Where encoders put their frames.
+/// Where encoders put their frames. Communication task only; hold `listMutex`.
 #ifndef KP410_ENCODE_QUEUE_H
 #define KP410_ENCODE_QUEUE_H
 
 #include "encode/frame.h"
 
 /// Appends a frame for `var` to `frameList`.
-inline void queueFrame(const QByteArray& frame, const ReplyShape& reply, const RW_VAR& var)
-{
-    Protocol request;
-    request.frame = frame;
-    request.frameLength = frame.size();
-    request.replyLength = reply.length;
-    request.replyDataOffset = reply.dataOffset;
-    request.replyDataLength = reply.dataLength;
-    request.var = var;
-    PLC_driver.frameList.append(request);
-}
+void queueFrame(const QByteArray& frame, const ReplyShape& reply, const RW_VAR& var);
+void queueFrame(const ShortFrame& frame, const ReplyShape& reply, const RW_VAR& var);
+
+/// Takes the head off `frameList`, which must have one.
+void dropAnsweredFrame();
 
 /// Tells the settings record that a request of `frames` frames begins, none of them answered yet.
 inline void beginRequest(int frames)

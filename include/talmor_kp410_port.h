@@ -229,8 +229,8 @@ typedef void (*FailCallback)(QList<RW_VAR>* vars, int hostKey, int flag);
 // ---- State -----------------------------------------------------------------------------------
 /// The driver's state; exactly one object exists, `PLC_driver`. Member order is part of the
 /// interface. `listMutex` guards the variable lists and the scheduling state, `storageMutex` guards
-/// `DataStorage`, `stationMutex` guards `stationMap`; all three are non-recursive. `frameList`
-/// belongs to the communication task and has no lock.
+/// `DataStorage`, `stationMutex` guards `stationMap`; all three are non-recursive. The lists of
+/// frames belong to the communication task and have no lock.
 struct Communication_Protocol {
     ComInfo* comInfo = nullptr;  ///< not owned
     QList<RW_VAR> readList;      ///< cyclic reads, served round-robin, in native units
@@ -249,6 +249,7 @@ struct Communication_Protocol {
     int onceReadBurst = 0;               ///< one-shot reads started since the last cyclic read
     int scanCount = 0;                   ///< variables completed since the last full pass
     std::atomic<bool> lastFailed{false}; ///< the last reply failed; read by any thread
+    QList<Protocol> answeredFrames;      ///< memory of the last answered frame, to be used again
 };
 
 extern "C" {
@@ -396,5 +397,4 @@ static_assert(offsetof(ComInfo, maxBlockLength) == 16 && offsetof(ComInfo, hostC
 static_assert(sizeof(RW_VAR) == 60 && sizeof(Protocol) == 92, "a record has changed its size");
 static_assert(sizeof(EXTENDVAR) == 16 && sizeof(VAR_DESC) == 20, "a record has changed its size");
 #endif
-
 #endif

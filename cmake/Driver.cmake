@@ -28,7 +28,9 @@ add_library(kp410_core OBJECT
   encode/queue.cpp
   lists/Func_Initi_address.cpp
   lists/Func_Initi_add.cpp
+  lists/Func_Initi_blocks.cpp
   lists/Func_Initi_regroup.cpp
+  lists/Func_Initi_sort.cpp
   lists/pieces.cpp)
 target_include_directories(kp410_core PUBLIC ${CMAKE_SOURCE_DIR}/include ${CMAKE_SOURCE_DIR})
 target_link_libraries(kp410_core PUBLIC Qt5::Core PRIVATE kp410_warnings kp410_hardening)

@@ -1,29 +1,14 @@
 #include "check/Func_Check.h"
-#include "check/arith.h"
+#include "check/address.h"
 #include "check/guarded.h"
 #include "check/locks.h"
-#include "lists/Func_Initi.h"
-#include "lists/pieces.h"
+#include "lists/grouping.h"
 
 #include <algorithm>
 #include <limits>
 
 namespace
 {
-typedef QMap<int, QMap<int, QList<RW_VAR>>> Groups; // by station, then native type
-
-qint64 endOf(const RW_VAR& var)
-{
-    return qint64{var.address} + var.length;
-}
-
-bool reaches(const RW_VAR& block, const RW_VAR& next, int maxLength)
-{
-    const bool adjoins = next.address <= endOf(block);
-    const bool bridged = maxLength >= 1 && next.address <= qint64{block.address} + maxLength;
-    return adjoins || bridged;
-}
-
 constexpr int LAST_ADDRESS = std::numeric_limits<int>::max();
 
 /// True when an address stays what it is in native units. One that wraps round the end of the
@@ -35,114 +20,70 @@ bool convertsWithoutWrapping(int type, int address)
     return unitsPerElement * address <= LAST_ADDRESS;
 }
 
-RW_VAR recordOf(const VAR_DESC& desc, const ComInfo& settings, int address)
+int stationOf(const VarSource& source, const VAR_DESC& desc)
 {
-    RW_VAR var;
-    var.hostSubKey = -1;
-    var.remoteMode = settings.remoteFraming;
-    var.nodeId = settings.ownNode;
-    var.label = desc.label;
-    var.addressText = desc.addressText;
-    var.regType = desc.regType;
-    var.address = address;
-    var.station = settings.stationPerVar != 0 ? int{desc.station} : settings.defaultStation;
-    var.length = desc.length;
-    return var;
+    return source.settings.stationPerVar != 0 ? int{desc.station} : source.settings.defaultStation;
 }
 
-Groups groupsOf(const QList<VAR_DESC>& vars, const ComInfo& settings)
+/// Where variables go in the order of the cyclic list. Either each has a station of its own, of one
+/// byte, or all have the same one.
+quint64 placeOf(const VarSource& source, const VAR_DESC& desc, const RW_VAR& var)
 {
-    Groups groups;
-    for (const VAR_DESC& desc : vars) {
-        const int address = StringAddressToInt(desc.regType, desc.addressText);
-        if (address < 0 || !convertsWithoutWrapping(desc.regType, address) || desc.length < 0 ||
-            desc.length > MAX_ELEMENTS)
-            continue;
-        RW_VAR var = recordOf(desc, settings, address);
-        if (var.station == 0)
-            continue;
-        updateRwVar(&var);
-        if (endOf(var) > LAST_ADDRESS)
-            continue;
-        groups[var.station][var.regType].append(var);
-    }
-    return groups;
+    const quint64 station = source.settings.stationPerVar != 0 ? desc.station : 0;
+    const quint64 group = station << TYPE_BITS | static_cast<unsigned char>(var.regType);
+    return group << ADDRESS_BITS | static_cast<unsigned>(var.address);
 }
 
-void appendBlocks(const QList<VAR_DESC>& vars, const ComInfo& settings)
+void appendBlocks(const VarSource& source)
 {
-    Groups groups = groupsOf(vars, settings);
-    for (QMap<int, QList<RW_VAR>>& areas : groups) {
-        for (QList<RW_VAR>& group : areas) {
-            Bubble_Sort(&group);
-            BitVarReCreat(&group, settings.maxBlockLength);
-        }
+    GroupedVars vars = variablesOf(source);
+    Bubble_Sort(&vars);
+    const GroupedVar* const end = vars.data() + vars.size();
+    for (const GroupedVar* group = vars.data(); group != end;) {
+        const auto inOther = [group](const GroupedVar& var) {
+            return groupOf(var) != groupOf(*group);
+        };
+        const GroupedVar* const next = std::find_if(group, end, inOther);
+        BitVarReCreat(source, group, next, source.settings.maxBlockLength);
+        group = next;
     }
-}
-
-/// Appends all pieces, or none and leaves `var` as it is.
-void appendPieces(int length, int maxLength, RW_VAR& var, QList<RW_VAR>& out)
-{
-    if (length <= maxLength || maxLength < 1) {
-        out.append(var);
-        return;
-    }
-    if (length > MAX_ELEMENTS)
-        return;
-    const Pieces pieces = cutLength(length, maxLength);
-    Appending<RW_VAR> appending(out);
-    RW_VAR piece = var;
-    for (qint64 i = 0; i < pieces.count; ++i) {
-        setPiece(piece, pieces, var.address, i);
-        out.append(piece);
-    }
-    var = piece;
-    appending.keep();
-}
-
-bool startsBefore(const RW_VAR& a, const RW_VAR& b)
-{
-    return a.address < b.address;
 }
 } // namespace
 
-void Bubble_Sort(QList<RW_VAR>* list)
+GroupedVars variablesOf(const VarSource& source)
 {
-    std::stable_sort(list->begin(), list->end(), startsBefore);
+    GroupedVars vars;
+    vars.reserve(static_cast<std::size_t>(source.descs.size()));
+    RW_VAR var; // without texts
+    for (int i = 0; i < source.descs.size(); ++i) {
+        const VAR_DESC& desc = source.descs.at(i);
+        var.regType = desc.regType;
+        var.address = elementAddress(desc.regType, desc.addressText);
+        var.length = desc.length;
+        if (stationOf(source, desc) == 0 || var.address < 0 || var.length < 0 ||
+            var.length > MAX_ELEMENTS || !convertsWithoutWrapping(var.regType, var.address))
+            continue;
+        updateRwVar(&var);
+        if (qint64{var.address} + var.length <= LAST_ADDRESS)
+            vars.push_back({placeOf(source, desc, var), var.length, i});
+    }
+    return vars;
 }
 
-void addressAdd(RW_VAR& block, int maxLength, bool appendRest)
+RW_VAR recordOf(const VarSource& source, const GroupedVar& grouped)
 {
-    QList<RW_VAR>& out = PLC_driver.readList;
-    while (maxLength >= 1 && block.length >= maxLength) {
-        out.append(block);
-        out.last().length = maxLength;
-        block.address += maxLength;
-        block.length -= maxLength;
-    }
-    if (appendRest && block.length > 0)
-        out.append(block);
-}
-
-void BitVarReCreat(const QList<RW_VAR>* group, int maxLength)
-{
-    if (group->isEmpty())
-        return;
-    RW_VAR block = group->at(0);
-    addressAdd(block, maxLength, false);
-    for (int i = 1; i < group->size(); ++i) {
-        const RW_VAR& next = group->at(i);
-        const qint64 merged = std::max(endOf(block), endOf(next)) - block.address;
-        if (block.length == 0) {
-            block = next;
-        } else if (reaches(block, next, maxLength)) {
-            block.length = clampToCount(merged);
-        } else {
-            addressAdd(block, maxLength, true);
-            block = next;
-        }
-    }
-    addressAdd(block, maxLength, true);
+    const VAR_DESC& desc = source.descs.at(grouped.desc);
+    RW_VAR var;
+    var.hostSubKey = -1;
+    var.remoteMode = source.settings.remoteFraming;
+    var.nodeId = source.settings.ownNode;
+    var.label = desc.label;
+    var.addressText = desc.addressText;
+    var.regType = getPlcReg(desc.regType);
+    var.address = addressOf(grouped);
+    var.station = stationOf(source, desc);
+    var.length = grouped.length;
+    return var;
 }
 
 int ReCreatReadVarList(QList<VAR_DESC>* vars)
@@ -156,18 +97,11 @@ int ReCreatReadVarList(QList<VAR_DESC>* vars)
         Locker lock(&PLC_driver.listMutex);
         Refilling<RW_VAR> refilling(PLC_driver.readList);
         if (settings) {
-            appendBlocks(*vars, *settings);
+            appendBlocks({*vars, *settings});
             PLC_driver.scanCount = 0;
             settings->scanDone = 0;
         }
         refilling.keep();
         return PLC_driver.readList.size();
     });
-}
-
-void WhetherGroup(int length, int maxLength, RW_VAR* var, QList<RW_VAR>* out)
-{
-    if (!var || !out || length < 0)
-        return;
-    guarded([=] { appendPieces(length, maxLength, *var, *out); });
 }

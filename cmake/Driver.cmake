@@ -48,7 +48,7 @@ set_target_properties(talmor_kp410_port PROPERTIES
   LINKER_LANGUAGE CXX
   LINK_DEPENDS ${CMAKE_SOURCE_DIR}/cmake/exports.map)
 # Optimised across files where it is built for use: a twentieth of each turn, a tenth of each call of
-# a screen, and a sixth of the size. The tests link the same objects without it; only g++ makes such
+# a screen, and of the size. The tests link the same objects without it; only g++ makes such
 # as serve for both.
 include(CheckIPOSupported)
 check_ipo_supported(RESULT has_ipo OUTPUT why_not LANGUAGES CXX)

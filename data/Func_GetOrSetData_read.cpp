@@ -26,7 +26,7 @@ int refuse(QByteArray& out, int count)
 /// @return the first byte; all are to be set
 char* roomIn(QByteArray& out, int bytes)
 {
-    if (out.size() != bytes || !out.isDetached())
+    if (out.size() != bytes)
         out = QByteArray(bytes, '\0');
     return out.data();
 }

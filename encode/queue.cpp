@@ -21,7 +21,7 @@ Protocol& newFrame()
 
 void setBytes(QByteArray& frame, const ShortFrame& bytes)
 {
-    if (frame.size() == SHORT_FRAME_BYTES && frame.isDetached())
+    if (frame.size() == SHORT_FRAME_BYTES)
         std::memcpy(frame.data(), bytes.data(), bytes.size());
     else
         frame = QByteArray(bytes.data(), SHORT_FRAME_BYTES);

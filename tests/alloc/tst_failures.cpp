@@ -240,6 +240,25 @@ private slots:
         QCOMPARE(driver.writeList.size(), 1);
     }
 
+    /// A frame that the runtime keeps a copy of is not used again, which would take memory to part
+    /// the two when there is no way back.
+    void heldFrame()
+    {
+        runner.reset();
+        runner.outcome(traceLine(0, text("add read MEMORY_WORD 0+2")));
+        const TraceLine asked = traceLine(0, text(">+ 01 03 00 00 00 02"));
+        QCOMPARE(runner.run(asked), QString());
+        const QList<Protocol> kept = driver.frameList;
+        runner.outcome(traceLine(0, text("<+ 01 03 04 00 01 00 02")));
+        QVERIFY(driver.frameList.isEmpty());
+        failMemory(ALL_FAIL, 1);
+        const Protocol* frame = BIND(library, ComCommunication)();
+        injected += restoreMemory() > 0 ? 1 : 0;
+        QVERIFY(!frame);
+        QCOMPARE(runner.run(asked), QString());
+        QCOMPARE(kept.size(), 1);
+    }
+
     void cleanupTestCase() { qDebug("%d failed allocations", injected); }
 };
 

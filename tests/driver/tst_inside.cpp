@@ -1,6 +1,7 @@
 #include "driver/dispatch.h"
 #include "driver/log.h"
 #include "support/driver.h"
+#include "support/reply.h"
 
 #include <QDir>
 #include <QFile>
@@ -74,6 +75,33 @@ private slots:
         QVERIFY(request().isEmpty());
         QVERIFY(PLC_driver.writeList.isEmpty());
         QCOMPARE(events, QStringList() << failEvent(0, 5, 1) << failEvent(0, 6, 1));
+    }
+
+    /// The memory of an answered frame is used again, but never so that the runtime could tell.
+    void answeredFrameIsNotSeenAgain()
+    {
+        PLC_driver.readList << variable(AREA_MEMORY, 0, 1) << variable(AREA_MEMORY, 1, 1);
+        const QByteArray first = bytes("010300000001840A");
+        const QByteArray second = bytes("010300010001D5CA");
+        const auto serve = [] { return answer(goodReply(*ComCommunication(), 7)); };
+
+        ComCommunication()->reserved1 = 5;
+        ComCommunication()->frame.append(first);
+        QCOMPARE(serve(), 1);
+        QCOMPARE(ComCommunication()->frame, second);
+        QCOMPARE(ComCommunication()->reserved1, 0);
+
+        const QList<Protocol> kept = PLC_driver.frameList;
+        QCOMPARE(serve(), 1);
+        QCOMPARE(ComCommunication()->frame, first);
+        QCOMPARE(kept.at(0).frame, second);
+        QCOMPARE(serve(), 1);
+
+        Protocol byHand;
+        byHand.var.nodeId = settings.ownNode;
+        PLC_driver.frameList << byHand;
+        QCOMPARE(answer(), 1);
+        QVERIFY(PLC_driver.frameList.isEmpty());
     }
 
     void lineOfTheLog()

@@ -46,7 +46,7 @@ int bitAddress(int byte, int bit)
 }
 } // namespace
 
-int elementAddress(int type, const QString& text)
+int StringAddressToInt(int type, const QString& text)
 {
     const QChar* end = text.constData() + text.size();
     const Digits first = digitsIn(text.constData(), end);

@@ -8,6 +8,6 @@
 /// decimal number for every other type. Parts that are no decimal int count as 0; arithmetic wraps.
 /// Throws when memory fails, which only text other than a few plain digits needs.
 /// @return the address; -1 for a bit text without exactly one "."
-int elementAddress(int type, const QString& text);
+int StringAddressToInt(int type, const QString& text);
 
 #endif

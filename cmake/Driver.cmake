@@ -48,8 +48,8 @@ set_target_properties(talmor_kp410_port PROPERTIES
   LINKER_LANGUAGE CXX
   LINK_DEPENDS ${CMAKE_SOURCE_DIR}/cmake/exports.map)
 # Optimised across files where it is built for use: a twentieth of each turn, a tenth of each call of
-# a screen, and of the size. The tests link the same objects without it; only g++ makes such
-# as serve for both.
+# a screen, and of the size. The tests link the same objects as they are, so that these carry both
+# forms, which g++ alone can write.
 include(CheckIPOSupported)
 check_ipo_supported(RESULT has_ipo OUTPUT why_not LANGUAGES CXX)
 if(has_ipo AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")

@@ -19,12 +19,12 @@ int payloadBytes(const QByteArray& reply, int offset)
 
 void storePayload(const RW_VAR& var, const QByteArray& reply, int offset)
 {
-    const RegisterTypeInfo* info = findRegisterType(var.regType);
-    if (!info || info->definition == DEF_DWORD)
+    const int definition = getRegisterTypeDefinition(var.regType);
+    const bool words = definition == DEF_WORD;
+    if (!words && definition != DEF_BYTE && definition != DEF_BIT)
         return;
-    const bool words = info->definition == DEF_WORD;
     const int bytes = words ? payloadBytes(reply, offset) / 2 * 2 : payloadBytes(reply, offset);
-    const ImageSpan span{qint64{info->bytesPerElement} * var.address, bytes};
+    const ImageSpan span{qint64{getPlcStorageAddress(var.regType)} * var.address, bytes};
     if (bytes == 0 || !fitsImage(span))
         return;
     unsigned char* target = writableSpan(areaImage(var.station, var.regType), span);

@@ -68,6 +68,8 @@ void copyBits(char* out, const unsigned char* image, int firstBit, int count)
 void copyValues(char* out, const QByteArray& image, const RegisterTypeInfo& info, int offset,
                 int present)
 {
+    if (present == 0) // then the image may end before `offset`
+        return;
     if (info.definition == DEF_BIT)
         copyBits(out, wireBytes(image), offset, present);
     else
@@ -91,7 +93,7 @@ int readStore(int type, int address, int station, QByteArray& out, int count)
     if (address < 0 || !isWithinReach(access))
         return refuse(out, count);
 
-    const int end = static_cast<int>(access.end);
+    const int end = static_cast<int>(std::max<qint64>(access.end, 0));
     const RegisterTypeInfo* info = findRegisterType(type);
     if (!info) { // an area without values
         out.clear();
@@ -121,7 +123,8 @@ int GetRegisterData(int /*unused*/, int type, QString* addressText, int station,
         return 0;
     constexpr int failed = -1;
     const int address =
-        addressText ? guarded(failed, [&] { return elementAddress(type, *addressText); }) : failed;
+        addressText ? guarded(failed, [&] { return StringAddressToInt(type, *addressText); })
+                    : failed;
     const int result =
         guarded(failed, [&] { return readStore(type, address, station, *out, count); });
     if (result != failed)

@@ -134,7 +134,7 @@ int SetRegisterData(QString* label, int type, QString* addressText, int station,
     const ComInfo* settings = PLC_driver.comInfo;
     if (!label || !addressText || !value || !settings)
         return 0;
-    const int address = guarded(-1, [=] { return elementAddress(type, *addressText); });
+    const int address = guarded(-1, [=] { return StringAddressToInt(type, *addressText); });
     if (address < 0 || count > MAX_ELEMENTS || !isWithinReach(hostAccess(type, address, count)))
         return 0;
     const int target = settings->stationPerVar != 0 ? station : settings->defaultStation;

@@ -42,7 +42,7 @@ bool growsInPlace(int station, int area, int size)
 {
     Locker lock(&PLC_driver.storageMutex);
     QByteArray& image = areaImage(station, area);
-    if (image.capacity() < size)
+    if (!image.isDetached() || image.capacity() < size)
         return false;
     growImage(image, size);
     return true;

@@ -56,8 +56,8 @@ QByteArray& areaImage(int station, int area);
 const QByteArray* findImage(int station, int area);
 
 /// Lengthens the image of `area` at `station`, created on first use, to at least `size` bytes. The
-/// memory is found and set to 0 before the lock is taken, which no reply is to wait for; room for
-/// half as much again keeps many small steps cheap. Takes `storageMutex`.
+/// memory is found and set to 0 before the lock is taken, which replies wait for; room for half as
+/// much again keeps many small steps cheap. Takes `storageMutex`.
 void lengthenImage(int station, int area, int size);
 
 /// Lengthens `image` to at least `size` bytes; new bytes are 0.

@@ -23,10 +23,7 @@ constexpr WriteRule ruleOf(const RegisterTypeInfo& info)
         return {1, BYTES_PER_WORD, 0};
     return {info.bytesPerElement / BYTES_PER_WORD, 1, info.bytesPerElement}; // words
 }
-} // namespace
 
-namespace
-{
 /// False for an array that shows memory of others (QByteArray::fromRawData), which may be gone when
 /// the write is sent. Qt 4 does not tell them apart.
 bool ownsItsBytes(const QByteArray& value)

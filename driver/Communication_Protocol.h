@@ -24,8 +24,8 @@ inline void rotate(QList<RW_VAR>& list)
     list.move(0, list.size() - 1);
     if (list.constBegin() != first || list.size() <= shiftedAlways)
         return;
-    // No room, all entries were shifted. An append makes room, for at least as many turns as there
-    // are entries; without memory it will be tried again in the next.
+    // No room, all entries were shifted. An append makes room, for about as many turns as there are
+    // entries; without memory it will be tried again in the next.
     guarded([&list] {
         list.append(list.at(0));
         list.removeLast();

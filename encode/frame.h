@@ -36,8 +36,10 @@ void appendCrc(QByteArray& frame);
 QByteArray localHead(int station, int functionCode, int address);
 
 /// A request of 8 bytes: a read with the count, or a write of one word with the value, in wire
-/// units (bits or words). Its head is one with zeros in the place of value and CRC.
+/// units (bits or words).
 ShortFrame shortRequest(int station, int functionCode, int address, int value);
+
+/// The same with zeros in the place of value and CRC.
 ShortFrame shortHead(int station, int functionCode, int address);
 
 /// The local read of a variable in native units; an unknown type gives function code FC_NONE.

@@ -3,7 +3,6 @@
 #include "check/guarded.h"
 #include "check/locks.h"
 #include "check/records.h"
-#include "lists/Func_Initi.h"
 #include "lists/pieces.h"
 
 namespace
@@ -61,7 +60,7 @@ int addUnchanged(QList<RW_VAR>& list, const RW_VAR& var)
 int addConverted(QList<RW_VAR>& reads, RW_VAR& var)
 {
     const ComInfo* settings = PLC_driver.comInfo;
-    const int address = settings ? elementAddress(var.regType, var.addressText) : -1;
+    const int address = settings ? StringAddressToInt(var.regType, var.addressText) : -1;
     if (address < 0)
         return 0;
     if (settings->stationPerVar == 0)

@@ -1,14 +1,10 @@
 #include "check/address.h"
 #include "check/guarded.h"
-#include "lists/Func_Initi.h"
 
-int StringAddressToInt(int type, QString text)
-{
-    return elementAddress(type, text);
-}
+#include "talmor_kp410_port.h"
 
 int PLCAddressChangeIntef(int type, QString text)
 {
     constexpr int none = -1;
-    return guarded(none, [&] { return elementAddress(type, text); });
+    return guarded(none, [&] { return StringAddressToInt(type, text); });
 }

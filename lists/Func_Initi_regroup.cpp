@@ -58,7 +58,7 @@ GroupedVars variablesOf(const VarSource& source)
     for (int i = 0; i < source.descs.size(); ++i) {
         const VAR_DESC& desc = source.descs.at(i);
         var.regType = desc.regType;
-        var.address = elementAddress(desc.regType, desc.addressText);
+        var.address = StringAddressToInt(desc.regType, desc.addressText);
         var.length = desc.length;
         if (stationOf(source, desc) == 0 || var.address < 0 || var.length < 0 ||
             var.length > MAX_ELEMENTS || !convertsWithoutWrapping(var.regType, var.address))

@@ -33,19 +33,20 @@ add_library(kp410_core OBJECT
   lists/Func_Initi_sort.cpp
   lists/pieces.cpp)
 target_include_directories(kp410_core PUBLIC ${CMAKE_SOURCE_DIR}/include ${CMAKE_SOURCE_DIR})
-target_link_libraries(kp410_core PUBLIC Qt5::Core PRIVATE kp410_warnings kp410_hardening)
+target_link_libraries(kp410_core PUBLIC kp410_qt_core PRIVATE kp410_warnings kp410_hardening)
 set_target_properties(kp410_core PROPERTIES
   POSITION_INDEPENDENT_CODE ON
   CXX_VISIBILITY_PRESET hidden
   VISIBILITY_INLINES_HIDDEN ON)
 
 add_library(talmor_kp410_port SHARED)
-target_link_libraries(talmor_kp410_port PRIVATE kp410_core kp410_warnings kp410_hardening Qt5::Core)
+target_link_libraries(talmor_kp410_port PRIVATE kp410_core kp410_warnings kp410_hardening kp410_qt_core)
 target_include_directories(talmor_kp410_port INTERFACE ${CMAKE_SOURCE_DIR}/include)
 set_target_properties(talmor_kp410_port PROPERTIES
   VERSION ${PROJECT_VERSION}
   SOVERSION ${PROJECT_VERSION_MAJOR}
   LINKER_LANGUAGE CXX
+  SKIP_BUILD_RPATH ON # built as it will be installed: Qt is the runtime's
   LINK_DEPENDS ${CMAKE_SOURCE_DIR}/cmake/exports.map)
 # Optimised across files where it is built for use: a twentieth of each turn, a tenth of each call of
 # a screen, and of the size. The tests link the same objects as they are, so that these carry both

@@ -3,7 +3,7 @@
 set -euo pipefail
 
 usage() {
-    echo "usage: $0 demo|tests|bench" >&2
+    echo "usage: $0 demo|tests|bench|armhf|i386" >&2
     exit 2
 }
 
@@ -17,6 +17,8 @@ tests)
     packages+=(libmodbus-dev python3-pymodbus python3-serial-asyncio mbpoll tshark tmux mandoc)
     ;;
 bench) packages+=(libbenchmark-dev libmodbus-dev pkg-config python3 valgrind) ;;
+armhf) packages+=(g++-arm-linux-gnueabihf qemu-user) ;;
+i386) packages+=(g++-i686-linux-gnu) ;;
 *) usage ;;
 esac
 

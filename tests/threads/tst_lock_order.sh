@@ -3,7 +3,7 @@
 # as they are taken and given back, and, of a wrong order, the one taken last and the one held.
 failed=0
 while read -r letters taken held; do
-    said=$("$1" "$letters" 2>&1 && echo ended)
+    said=$("$@" "$letters" 2>&1 && echo ended)
     expected=ended
     [ -z "$taken" ] || expected="lock order: ${taken}Mutex taken while ${held}Mutex is held"
     [ "${said%%$'\n'*}" = "$expected" ] && continue

@@ -205,7 +205,7 @@ private slots:
                 failures = restoreMemory();
             };
             const Result result = resultOf(scenario.ways.first());
-            runner.around = Runner::plainly;
+            runner.around = &Runner::plainly;
             injected += failures > 0 ? 1 : 0;
             delete copies;
             QVERIFY(!threw);

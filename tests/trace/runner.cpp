@@ -48,7 +48,7 @@ const Runner::Command* Runner::commandOf(const TraceLine& line)
 
 void Runner::reset()
 {
-    around = plainly;
+    around = &plainly;
     putToRest(driver, *BIND(library, DataStorage), settings);
     BIND(library, SetComInfo)(&settings);
     BIND(library, RegistCallBackFuncIntf)(onFinish, onFail);

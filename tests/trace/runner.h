@@ -26,7 +26,8 @@ public:
     QString ending();
 
     /// Makes, or does not make, the one call of the library that a line is for.
-    std::function<void(const std::function<void()>& call)> around = plainly;
+    // &: some ARM functions have odd addresses, and UBSan takes a reference to one for misaligned.
+    std::function<void(const std::function<void()>& call)> around = &plainly;
     static void plainly(const std::function<void()>& call) { call(); }
 
 private:

@@ -41,6 +41,8 @@ fi
 [ "$failed" -eq 0 ]
 echo "layering: no arrow points up"
 
+scripts/check-qt-api.sh
+
 if [ $# -eq 1 ]; then
     echo "clang-tidy, with the compile commands of $1"
     find check data driver encode host lists -name '*.cpp' -print0 |

@@ -55,8 +55,8 @@ QString storeText()
 {
     QString shown;
     const Store images = store;
-    for (auto areas = images.cbegin(); areas != images.cend(); ++areas) {
-        for (auto image = areas->cbegin(); image != areas->cend(); ++image) {
+    for (auto areas = images.constBegin(); areas != images.constEnd(); ++areas) {
+        for (auto image = areas->constBegin(); image != areas->constEnd(); ++image) {
             QByteArray bytes = *image;
             while (bytes.endsWith('\0'))
                 bytes.chop(1);

@@ -204,11 +204,11 @@ QString Model::difference(const Communication_Protocol& driver, const Store& sto
     }
     if (store.keys() != images.keys())
         return text("the stations of the store differ");
-    for (auto areas = store.cbegin(); areas != store.cend(); ++areas) {
+    for (auto areas = store.constBegin(); areas != store.constEnd(); ++areas) {
         QMap<int, QByteArray>& mine = images[areas.key()];
         if (areas->keys() != mine.keys())
             return text("the areas of station %1 differ", areas.key());
-        for (auto image = areas->cbegin(); image != areas->cend(); ++image) {
+        for (auto image = areas->constBegin(); image != areas->constEnd(); ++image) {
             QByteArray& expected = mine[image.key()];
             if (image->constData() != expected.constData() && *image != expected)
                 return text("image %1 %2 differs", areas.key(), image.key());

@@ -28,9 +28,9 @@ private slots:
     {
         QFETCH(int, length);
         bool given = false;
-        const int wanted = qEnvironmentVariableIntValue("KP410_MODEL_OPERATIONS", &given);
+        const int wanted = qgetenv("KP410_MODEL_OPERATIONS").toInt(&given);
         const int operations = (given ? wanted : OPERATIONS) / 3;
-        const int seed = qEnvironmentVariableIntValue("KP410_MODEL_SEED");
+        const int seed = qgetenv("KP410_MODEL_SEED").toInt();
         std::mt19937 random(static_cast<unsigned>(seed * 10 + length));
         for (int done = 0; done < operations; done += length) {
             QVector<Operation> sequence(length);

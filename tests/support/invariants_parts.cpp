@@ -125,14 +125,14 @@ QString frameFault(const Protocol& p, bool write, bool remoteFraming, bool waits
 
 QString storeFault(const Store& before, const Store& after, const Target& target)
 {
-    for (auto areas = before.cbegin(); areas != before.cend(); ++areas) {
-        for (auto image = areas->cbegin(); image != areas->cend(); ++image) {
+    for (auto areas = before.constBegin(); areas != before.constEnd(); ++areas) {
+        for (auto image = areas->constBegin(); image != areas->constEnd(); ++image) {
             if (after.value(areas.key()).value(image.key()).size() < image->size())
                 return text("an image has shrunk");
         }
     }
-    for (auto areas = after.cbegin(); areas != after.cend(); ++areas) {
-        for (auto image = areas->cbegin(); image != areas->cend(); ++image) {
+    for (auto areas = after.constBegin(); areas != after.constEnd(); ++areas) {
+        for (auto image = areas->constBegin(); image != areas->constEnd(); ++image) {
             const QByteArray old = before.value(areas.key()).value(image.key());
             const bool here = target.station == areas.key() && target.area == image.key();
             const bool same = image->constData() == old.constData();

@@ -251,7 +251,7 @@ private slots:
         for (int last = turns + 20 * waiting; turns < last; ++turns)
             turn(turns, 16);
 
-        qInfo("%d turns, line seen failing %d times", turns, failuresSeen.load());
+        qDebug("%d turns, line seen failing %d times", turns, failuresSeen.load());
         QCOMPARE(mistakes.load(), 0);
         QVERIFY(PLC_driver.writeList.isEmpty() && PLC_driver.onceReadList.isEmpty());
         for (int request = 0; request < REQUESTS; ++request)
@@ -275,7 +275,7 @@ private slots:
         for (int turns = 0; readers.isAtWork(); ++turns)
             turn(turns, 1);
         readers.join();
-        qInfo("%d changes seen", changes.load());
+        qDebug("%d changes seen", changes.load());
         QCOMPARE(mistakes.load(), 0);
         QVERIFY(changes > LEAST_CHANGES);
     }

@@ -211,7 +211,8 @@ QString Runner::request(const TraceLine& line)
 
 QString Runner::reply(const TraceLine& line)
 {
-    const QByteArray bytes = hexBytes(line.words.mid(1).filter(QRegExp(text("^[0-9A-Fa-f]+$"))));
+    const QStringList words = line.words.mid(1);
+    const QByteArray bytes = hexBytes(words.filter(QRegExp(text("^[0-9A-Fa-f]+$"))));
     QByteArray received = endsWithPlus(line.words.at(0)) ? withCrc(bytes) : bytes;
     const int length = number(line.words, "length", received.size());
     received += hexOption(line.words, "beyond");

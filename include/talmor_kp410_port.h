@@ -14,9 +14,8 @@
  *     RW_VAR* served = DataCom(&reply, n);    // n = 0: nothing came in time, or none was expected
  *
  * Threads. The library starts none. `ComCommunication` and `DataCom` belong to one thread, the
- * communication task; the others may be called from any, unless said otherwise. Locks inside are
- * taken in this order: `listMutex`, then `stationMutex` or `storageMutex`, never those two
- * together.
+ * communication task; the others may be called from any, unless said otherwise. The locks' order:
+ * `listMutex`, then `stationMutex` or `storageMutex`, never those two together.
  *
  * Errors are values; nothing throws, and a callback may throw std::bad_alloc only. A null pointer,
  * or a call before `SetComInfo` of a function that needs the settings record, gets the neutral
@@ -47,7 +46,7 @@
 #include <atomic>
 #include <cstddef>
 
-#define TALMOR_EXPORT __attribute__((visibility("default")))
+#define TALMOR_EXPORT __attribute__((visibility("default"))) ///< on all that is exported
 
 /// Register types: an area of the controller and an access width. The value of `regType`.
 // clang-format off
@@ -78,14 +77,13 @@ enum FunctionCode {
 /// One register type. Addresses and counts of the runtime are in elements: bits (written
 /// "byte.bit", plain decimal for SPECIAL_BIT), bytes, words or double words; the count of a
 /// double-word variable is in 16-bit words, two per double word. Element a lies at a *
-/// bytesPerElement in the area's image, which is a bit number for the bit types and a byte offset
-/// for the others.
+/// bytesPerElement in the area's image: a bit number for the bit types, else a byte offset.
 struct RegisterTypeInfo {
-    const char* name;
-    int area;       ///< AreaCode
-    int definition; ///< TypeDefinition
-    int bytesPerElement;
-    bool writable; ///< the controller accepts writes of this type
+    const char* name;    ///< as in RegisterType
+    int area;            ///< AreaCode
+    int definition;      ///< TypeDefinition
+    int bytesPerElement; ///< in an image; of the bit types, bits
+    bool writable;       ///< the controller accepts writes of this type
 };
 
 /// Indexed by RegisterType.
@@ -117,6 +115,7 @@ enum Outcome {
     REMOTE_GOOD, REMOTE_CORRUPT, REMOTE_MISSING, REMOTE_WRONG_LENGTH, OUTCOME_COUNT
 };
 // clang-format on
+/// `result`, where it is no error of RESULTS.
 enum ResultCode {
     RESULT_RETRY = 0,         ///< the reply failed, the same frame will be sent again
     RESULT_GOOD = 1,          ///< good reply of the own node; also: no frame was pending
@@ -128,8 +127,8 @@ inline constexpr int ERROR_GROUP_SIZE = 12;
 /// One outcome and the codes `DataCom` reports for it.
 struct ResultInfo {
     int code; ///< the code itself; of an error the first of its group, to which `hostKey` is added
-    bool error;
-    const char* meaning;
+    bool error;          ///< else good
+    const char* meaning; ///< for people
 };
 /// Indexed by Outcome.
 inline constexpr ResultInfo RESULTS[OUTCOME_COUNT] = {
@@ -150,6 +149,7 @@ enum ReplyLength { REPLY_NONE = 0, REPLY_ANY = -1 };      ///< special values of
 enum FinishState { FINISH_DONE = 1, FINISH_FAILED = 2 };  ///< last argument of FinishCallback
 enum WriteMode { WRITE_STORE_ONLY = 0, WRITE_QUEUE = 2 }; ///< `writeMode`; all but 2 is store-only
 enum AddMode { ADD_CHECKED = 0, ADD_UNCHANGED = 1 };      ///< `mode`; all but 1 is checked
+/// `currentSource`: the list being served.
 enum Source { SOURCE_READ = 0, SOURCE_WRITE = 1, SOURCE_ONCE = 2, SOURCE_NONE = 100 };
 
 // ---- Records (all ints 32-bit; offsets in brackets are those of a 32-bit target) ----------------
@@ -211,9 +211,10 @@ struct VAR_DESC {
     QString label;              ///< [12] carried into the list entry
     int length;                 ///< [16] element count, in length units of the type
 };
-struct EXTENDVAR { ///< element of `extendList`; carries no behaviour
-    int reserved1 = 0, reserved2 = 0, reserved3 = 0;
-    QByteArray data;
+/// Element of `extendList`; carries no behaviour.
+struct EXTENDVAR {
+    int reserved1 = 0, reserved2 = 0, reserved3 = 0; ///< [0], [4], [8] unused
+    QByteArray data;                                 ///< [12] unused
 };
 
 // ---- Callbacks: run with `listMutex` held: call no function that takes it, keep no copy of a list
@@ -239,9 +240,9 @@ struct Communication_Protocol {
     QList<RW_VAR> spareList;     ///< unused
     QList<Protocol> frameList;   ///< frames of the variable being served, sent head first
     QList<EXTENDVAR> extendList; ///< unused
-    FinishCallback finishCallback = nullptr;
-    FailCallback failCallback = nullptr;
-    QMutex listMutex, storageMutex, stationMutex;
+    FinishCallback finishCallback = nullptr;      ///< may be null
+    FailCallback failCallback = nullptr;          ///< may be null
+    QMutex listMutex, storageMutex, stationMutex; ///< taken in the order of the file's top
     QMap<int, int> stationMap;           ///< stations switched off: the key counts, the value is 0
     RW_VAR retVar;                       ///< the record whose address `DataCom` returns
     int currentSource = SOURCE_NONE;     ///< Source of the variable being served
@@ -253,11 +254,10 @@ struct Communication_Protocol {
 };
 
 extern "C" {
-
 /// Station, then area code, to the area's image: byte k of a byte area at k, word w of a word area
 /// at 2w, low byte first. Hold `storageMutex` while touching it.
 extern TALMOR_EXPORT QMap<int, QMap<int, QByteArray>> DataStorage;
-extern TALMOR_EXPORT Communication_Protocol PLC_driver;
+extern TALMOR_EXPORT Communication_Protocol PLC_driver; ///< the one state object
 extern TALMOR_EXPORT void* LB;  ///< first area of `FlashLocalRegister`; never dereferenced here
 extern TALMOR_EXPORT void* LW;  ///< second area
 extern TALMOR_EXPORT void* RWI; ///< third area
@@ -288,8 +288,7 @@ TALMOR_EXPORT void EnableEthernet(int station, int enable); ///< the same as `En
 TALMOR_EXPORT Protocol* ComCommunication();
 
 /// Takes the reply to the frame that `ComCommunication` returned last; a good reply to a read of
-/// the own node goes into the store. Discard late replies yourself: only length and CRC are
-/// compared.
+/// the own node goes into the store. Discard late replies yourself: this looks at length and CRC.
 /// @param reply the bytes received; only the first `length` are the reply. Null with a `length` of
 ///        0 is an empty reply, null with any other length is answered with 1 and ignored.
 /// @param length bytes received; 0 when nothing came in time, or none was expected
@@ -338,8 +337,8 @@ TALMOR_EXPORT void WhetherGroup(int length, int maxLength, RW_VAR* var, QList<RW
 TALMOR_EXPORT int PLCAddressChangeIntef(int type, QString text);
 
 // ---- Data access -------------------------------------------------------------------------------
-/// Copies values out of the store; never causes a request. Data that never arrived reads as 0. The
-/// first argument is ignored.
+/// Copies values out of the store; never causes a request. Data that never arrived reads as 0.
+/// @param unused,type,addressText ignored; RegisterType; start address as text
 /// @param station key of the store, used as given: pass `defaultStation` while `stationPerVar` is 0
 /// @param out bits: `count` bytes 0 or 1; bytes: `count` bytes, then `count` zero bytes; words:
 ///        2 * `count` bytes; double words: 4 * ((`count` + 1) / 2) bytes; unknown type: empty
@@ -351,7 +350,8 @@ TALMOR_EXPORT int GetRegisterData(int unused, int type, QString* addressText, in
 
 /// Writes values: queues them for the controller (`writeMode` WRITE_QUEUE) or puts them into the
 /// store only (any other mode; every type, and `value` is left as it is).
-/// @param label text carried with the write
+/// @param label,hostKey,hostSubKey carried with the write; the keys are handed to the callbacks
+/// @param type,addressText RegisterType, and start address as text
 /// @param station used while `stationPerVar` is nonzero, else `defaultStation` is
 /// @param value bits: a byte each (OUTPUT_BIT: bit 0, others: any nonzero is 1); bytes: a 16-bit
 ///        slot each, low byte first; words: 2 bytes each; double words: 4 bytes each. Missing bytes
@@ -381,7 +381,6 @@ TALMOR_EXPORT unsigned short CalXOR(const unsigned char* bytes, unsigned short l
 TALMOR_EXPORT int DigitalToASCII(int value);
 /// @return inverse of DigitalToASCII; ':' to '?' give 10 to 15, '@' and all below '0' give 0
 TALMOR_EXPORT int ASCIIToDigital(int character);
-
 } // extern "C"
 
 // ---- Layout: part of the interface -------------------------------------------------------------

@@ -12,7 +12,7 @@ packages=(g++ cmake ninja-build qtbase5-dev libqt5serialport5-dev libncurses-dev
 case $1 in
 demo) ;;
 tests)
-    packages+=(clang clang-format clang-tidy libclang-rt-14-dev pkg-config binutils gcovr)
+    packages+=(clang clang-format clang-tidy libclang-rt-14-dev pkg-config binutils gcovr doxygen)
     # Peers of the programs, and what looks at them as a person does.
     packages+=(libmodbus-dev python3-pymodbus python3-serial-asyncio mbpoll tshark tmux mandoc)
     ;;

@@ -5,8 +5,24 @@
 
 #include <cstring>
 
-/// Every trace of the folder, each case a row, against the library as a runtime loads it: in a
-/// process that has, visible to all, things of the driver's names.
+namespace
+{
+/// The file that the environment names, or all traces of the folder.
+QStringList traceFiles()
+{
+    const QString one = qEnvironmentVariable("KP410_TRACE_FILE");
+    if (!one.isEmpty())
+        return QStringList(one);
+    const QDir folder(text(KP410_TRACES));
+    QStringList files;
+    for (const QString& name : folder.entryList(QStringList(text("*.trace"))))
+        files << folder.filePath(name);
+    return files;
+}
+} // namespace
+
+/// Every trace, each case a row, against the library as a runtime loads it: in a process that has,
+/// visible to all, things of the driver's names.
 class Traces : public QObject
 {
     Q_OBJECT
@@ -53,12 +69,11 @@ private slots:
     void run_data()
     {
         QTest::addColumn<int>("index");
-        const QDir folder(text(KP410_TRACES));
-        for (const QString& name : folder.entryList(QStringList(text("*.trace")))) {
-            const QList<TraceCase> found = traceCases(folder.filePath(name));
-            QVERIFY2(!found.isEmpty(), qPrintable(name));
+        for (const QString& file : traceFiles()) {
+            const QList<TraceCase> found = traceCases(file);
+            QVERIFY2(!found.isEmpty(), qPrintable(file));
             for (const TraceCase& trace : found) {
-                const QString row = name.section(QLatin1Char('.'), 0, 0) + text(": ") + trace.name;
+                const QString row = QFileInfo(file).baseName() + text(": ") + trace.name;
                 QTest::newRow(qPrintable(row)) << cases.size();
                 cases << trace;
             }

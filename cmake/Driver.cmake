@@ -41,7 +41,7 @@ set_target_properties(kp410_core PROPERTIES
 
 add_library(talmor_kp410_port SHARED)
 target_link_libraries(talmor_kp410_port PRIVATE kp410_core kp410_warnings kp410_hardening kp410_qt_core)
-target_include_directories(talmor_kp410_port INTERFACE ${CMAKE_SOURCE_DIR}/include)
+target_include_directories(talmor_kp410_port INTERFACE $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}/include>)
 set_target_properties(talmor_kp410_port PROPERTIES
   VERSION ${PROJECT_VERSION}
   SOVERSION ${PROJECT_VERSION_MAJOR}
@@ -64,6 +64,3 @@ endif()
 target_link_options(talmor_kp410_port PRIVATE
   -Wl,--version-script=${CMAKE_SOURCE_DIR}/cmake/exports.map
   -Wl,-Bsymbolic)
-
-install(TARGETS talmor_kp410_port LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(FILES include/talmor_kp410_port.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})

@@ -27,6 +27,7 @@ configure_file(cmake/packaging/talmor_kp410_port.pc.in talmor_kp410_port.pc @ONL
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/talmor_kp410_port.pc
         DESTINATION ${KP410_PKGCONFIG_DIR} COMPONENT dev)
 
+add_custom_target(packaged DEPENDS talmor_kp410_port) # all that is installed
 find_program(KP410_GZIP gzip REQUIRED)
 # Compresses `file` under `name`, the same bytes each time, and names the result in `result`.
 function(kp410_compress file name result)
@@ -34,12 +35,14 @@ function(kp410_compress file name result)
   add_custom_command(OUTPUT ${compressed} DEPENDS ${file} VERBATIM
                      COMMAND ${KP410_GZIP} -9nc ${file} > ${compressed})
   add_custom_target(kp410_compressed_${name} ALL DEPENDS ${compressed})
+  add_dependencies(packaged kp410_compressed_${name})
   set(${result} ${compressed} PARENT_SCOPE)
 endfunction()
 
 # A program with its manual page.
 function(kp410_install_tool name)
   install(TARGETS ${name} RUNTIME COMPONENT tools)
+  add_dependencies(packaged ${name})
   kp410_compress(${PROJECT_SOURCE_DIR}/docs/man/${name}.1 ${name}.1 page)
   install(FILES ${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
 endfunction()

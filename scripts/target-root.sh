@@ -14,14 +14,14 @@ usage() {
 [ $# -eq 1 ] || usage
 packages=(libqt5core5a libqt5test5)
 case $1 in
-armhf) ;;
+armhf) packages+=(libqt5network5 libqt5serialport5 libncursesw6 libtinfo6) ;; # of the programs
 i386) packages+=(libasan8 libubsan1) ;;
 *) usage ;;
 esac
 
 apt=$PWD/build/targets/$1-apt
 root=$PWD/build/targets/$1-root
-if [ -e "$root.complete" ]; then
+if [ "$(cat "$root.complete" 2>/dev/null)" = "${packages[*]}" ]; then
     echo "$root"
     exit 0
 fi
@@ -33,8 +33,23 @@ own_apt() {
         -o Dir::State::status="$apt/status" "$@" >&2
 }
 
+# dpkg's database of the target, with the files where they are here: dpkg-shlibdeps asks it for packages.
+database=$root/var/lib/dpkg
+record() { # DEB
+    local name part
+    name=$(dpkg-deb --field "$1" Package)
+    [ "$(dpkg-deb --field "$1" Multi-Arch)" != same ] || name+=:$architecture
+    rm -rf "$apt/control"
+    dpkg-deb --control "$1" "$apt/control"
+    for part in symbols shlibs; do
+        [ ! -e "$apt/control/$part" ] || cp "$apt/control/$part" "$database/info/$name.$part"
+    done
+    dpkg-deb --fsys-tarfile "$1" | tar --list | sed "s|^\.|$root|; s|/\$||" >"$database/info/$name.list"
+    { dpkg-deb --field "$1"; printf 'Status: install ok installed\n\n'; } >>"$database/status"
+}
+
 architecture=$1
-rm -rf "$apt" "$root"
+rm -rf "$apt" "$root" "$root.complete"
 mkdir -p "$apt/state/lists/partial" "$apt/cache/archives/partial" "$root"
 : >"$apt/status" # nothing is installed
 # A list that a mirror is about to replace may be missing for a while; the others have all that is needed.
@@ -43,6 +58,11 @@ own_apt install --yes --download-only "${packages[@]}"
 for package in "$apt"/cache/archives/*.deb; do
     dpkg-deb --extract "$package" "$root"
 done
+mkdir -p "$database/info"
+echo 1 >"$database/info/format"
+for package in "$apt"/cache/archives/*.deb; do
+    record "$package"
+done
 rm -rf "$apt"
-touch "$root.complete"
+echo "${packages[*]}" >"$root.complete"
 echo "$root"

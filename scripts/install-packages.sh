@@ -13,6 +13,7 @@ case $1 in
 demo) ;;
 tests)
     packages+=(clang clang-format clang-tidy libclang-rt-14-dev pkg-config binutils gcovr doxygen)
+    packages+=(abigail-tools dpkg-dev file lintian python3) # the packages and the interface
     # Peers of the programs, and what looks at them as a person does.
     packages+=(libmodbus-dev python3-pymodbus python3-serial-asyncio mbpoll tshark tmux mandoc)
     ;;

@@ -25,7 +25,7 @@ void look(QList<RW_VAR>* /*empty*/, int /*hostKey*/, int /*one*/)
     listWasLocked = !driver.state->listMutex.tryLock();
     if (!listWasLocked)
         driver.state->listMutex.unlock();
-    givenUp = driver.state->retVar.address + memoryWord(driver, 1, QStringLiteral("7"));
+    givenUp = driver.state->retVar.address + memoryWord(driver, 1, text("7"));
     driver.switchStation(1, 0);
 }
 
@@ -56,7 +56,7 @@ private slots:
         ended.clear();
         givenUp = 0;
         linkIsUp = true;
-        QCOMPARE(setUp(driver, {tag(MEMORY_WORD, QStringLiteral("100"), 1, 1)}), 1);
+        QCOMPARE(setUp(driver, {tag(MEMORY_WORD, text("100"), 1, 1)}), 1);
     }
     void cleanup()
     {
@@ -69,9 +69,9 @@ private slots:
         QCOMPARE(next(value100), Turn::Done);
         QCOMPARE(sent, read100);
         QCOMPARE(result, int{RESULT_GOOD});
-        QCOMPARE(memoryWord(driver, 1, QStringLiteral("100")), 0x1234);
+        QCOMPARE(memoryWord(driver, 1, text("100")), 0x1234);
 
-        QVERIFY(writeMemoryWord(driver, 1, QStringLiteral("10"), 0xABCD, 7));
+        QVERIFY(writeMemoryWord(driver, 1, text("10"), 0xABCD, 7));
         const QByteArray write = withCrc(bytes("01 06 00 0A AB CD"));
         QCOMPARE(next(write), Turn::Done);
         QCOMPARE(sent, write);
@@ -89,7 +89,7 @@ private slots:
         sent.clear();
         QCOMPARE(next(value100), Turn::Done);
         QCOMPARE(sent, read100);
-        QCOMPARE(memoryWord(driver, 1, QStringLiteral("100")), 0x1234);
+        QCOMPARE(memoryWord(driver, 1, text("100")), 0x1234);
     }
 
     void everyThirdFailureGivesUp()
@@ -123,7 +123,7 @@ private slots:
     {
         for (int i = 0; i < LIST_LIMIT; ++i)
             QVERIFY(writeMemoryWord(driver, 1, QString::number(i), i, 1));
-        QVERIFY(!writeMemoryWord(driver, 1, QStringLiteral("5000"), 1, 1));
+        QVERIFY(!writeMemoryWord(driver, 1, text("5000"), 1, 1));
     }
 
     void nothingToSendIsNotIdle()
@@ -135,14 +135,14 @@ private slots:
         for (int i = 0; i < 8; ++i)
             turns +=
                 QLatin1Char(next(withCrc(bytes("01 06 00 00 00 00"))) == Turn::Done ? 'W' : '-');
-        QCOMPARE(turns, QStringLiteral("WWWWW-W-"));
+        QCOMPARE(turns, text("WWWWW-W-"));
     }
 
     void newTagsUnderAPendingFrame()
     {
         driver.nextFrame();
-        QList<VAR_DESC> tags = {tag(MEMORY_WORD, QStringLiteral("100"), 1, 1),
-                                tag(MEMORY_WORD, QStringLiteral("200"), 1, 1)};
+        QList<VAR_DESC> tags = {tag(MEMORY_WORD, text("100"), 1, 1),
+                                tag(MEMORY_WORD, text("200"), 1, 1)};
         QCOMPARE(driver.setVariables(&tags), 2);
         QCOMPARE(next(value100), Turn::Done);
         QCOMPARE(sent, read100);

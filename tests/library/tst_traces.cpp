@@ -10,7 +10,7 @@ namespace
 /// The file that the environment names, or all traces of the folder.
 QStringList traceFiles()
 {
-    const QString one = qEnvironmentVariable("KP410_TRACE_FILE");
+    const QString one = QString::fromLocal8Bit(qgetenv("KP410_TRACE_FILE"));
     if (!one.isEmpty())
         return QStringList(one);
     const QDir folder(text(KP410_TRACES));

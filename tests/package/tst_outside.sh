@@ -8,7 +8,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cp "$(dirname "$0")"/outside/* "$work"
 cd "$work"
-frame="01 03 00 64 00 01 c5 d5"
+frame=010300640001c5d5
 
 fail() {
     echo "$*" >&2

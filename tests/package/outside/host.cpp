@@ -9,11 +9,11 @@ int main()
     settings.defaultStation = 1;
     VAR_DESC tag = {};
     tag.regType = MEMORY_WORD;
-    tag.addressText = QStringLiteral("100");
+    tag.addressText = QString::fromLatin1("100");
     tag.length = 1;
     QList<VAR_DESC> tags = {tag};
     SetComInfo(&settings);
     ReCreatReadVarList(&tags);
     const Protocol* frame = ComCommunication();
-    std::puts(frame ? frame->frame.toHex(' ').constData() : "no frame");
+    std::puts(frame ? frame->frame.toHex().constData() : "no frame");
 }

@@ -14,7 +14,7 @@ usage() {
 [ $# -eq 1 ] || usage
 packages=(libqt5core5a libqt5test5)
 case $1 in
-armhf) packages+=(libqt5network5 libqt5serialport5 libncursesw6 libtinfo6) ;; # of the programs
+armhf) packages+=(libqt5network5 libqt5serialport5 libncursesw6 libtinfo6 libmodbus5) ;; # programs, bench
 i386) packages+=(libasan8 libubsan1) ;;
 *) usage ;;
 esac

@@ -33,4 +33,6 @@ endif()
 set(CURSES_NCURSES_LIBRARY ${KP410_TARGET_ROOT}/lib/${libraries}/libncursesw.so.6 CACHE FILEPATH "")
 set(CURSES_EXTRA_LIBRARY ${KP410_TARGET_ROOT}/lib/${libraries}/libtinfo.so.6 CACHE FILEPATH "")
 
+set(modbus_library ${KP410_TARGET_LIBRARIES}/libmodbus.so.5 CACHE FILEPATH "") # of the bench
+
 set(Qt5_DIR ${CMAKE_CURRENT_LIST_DIR}) # where Qt5Config.cmake of the target is

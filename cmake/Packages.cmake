@@ -12,7 +12,7 @@ set(same_version "(= ${PROJECT_VERSION})")
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_PACKAGE_CONTACT
-    "Seed 2396c7c8 maintainers <maintainers@users.noreply.c-seed-2396c7c8.example>")
+    "KP410 port driver maintainers <maintainers@kp410-port.example>")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_ALL runtime dev tools)

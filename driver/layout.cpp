@@ -76,4 +76,3 @@ KP410_BEHIND(currentSource, writeBurst);
 KP410_BEHIND(writeBurst, onceReadBurst);
 KP410_BEHIND(onceReadBurst, scanCount);
 KP410_BEHIND(scanCount, lastFailed);
-KP410_BEHIND(lastFailed, answeredFrames);

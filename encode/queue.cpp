@@ -6,14 +6,17 @@
 
 namespace
 {
+/// The last answered frame, whose memory is used again, or none. To give back and take memory for a
+/// frame and its bytes would be a third of a turn that reads two words.
+QList<Protocol> answeredFrames;
+
 /// What a new frame is written into, at the end of `frameList`; it may have the fields of an old
-/// one. To give back and take memory for a frame and its bytes would be a sixth of a turn that
-/// reads two words.
+/// one.
 Protocol& newFrame()
 {
     QList<Protocol>& frames = PLC_driver.frameList;
-    if (frames.isEmpty() && !PLC_driver.answeredFrames.isEmpty())
-        frames.swap(PLC_driver.answeredFrames);
+    if (frames.isEmpty() && !answeredFrames.isEmpty())
+        frames.swap(answeredFrames);
     else
         frames.append(Protocol());
     return frames.last();
@@ -62,8 +65,8 @@ void dropAnsweredFrame()
 {
     QList<Protocol>& frames = PLC_driver.frameList;
     // Only memory that nobody else holds: what is written into it stays there.
-    if (frames.size() == 1 && frames.isDetached() && PLC_driver.answeredFrames.isEmpty())
-        frames.swap(PLC_driver.answeredFrames);
+    if (frames.size() == 1 && frames.isDetached() && answeredFrames.isEmpty())
+        frames.swap(answeredFrames);
     else
         frames.removeFirst();
 }

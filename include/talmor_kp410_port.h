@@ -230,8 +230,8 @@ typedef void (*FailCallback)(QList<RW_VAR>* vars, int hostKey, int flag);
 // ---- State -----------------------------------------------------------------------------------
 /// The driver's state; exactly one object exists, `PLC_driver`. Member order is part of the
 /// interface. `listMutex` guards the variable lists and the scheduling state, `storageMutex` guards
-/// `DataStorage`, `stationMutex` guards `stationMap`; all three are non-recursive. The lists of
-/// frames belong to the communication task and have no lock.
+/// `DataStorage`, `stationMutex` guards `stationMap`; all three are non-recursive. `frameList`
+/// belongs to the communication task and has no lock.
 struct Communication_Protocol {
     ComInfo* comInfo = nullptr;  ///< not owned
     QList<RW_VAR> readList;      ///< cyclic reads, served round-robin, in native units
@@ -250,7 +250,6 @@ struct Communication_Protocol {
     int onceReadBurst = 0;               ///< one-shot reads started since the last cyclic read
     int scanCount = 0;                   ///< variables completed since the last full pass
     std::atomic<bool> lastFailed{false}; ///< the last reply failed; read by any thread
-    QList<Protocol> answeredFrames;      ///< memory of the last answered frame, to be used again
 };
 
 extern "C" {

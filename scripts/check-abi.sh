@@ -16,11 +16,8 @@ if [ "${1:-}" = --renew ]; then
 fi
 [ $# -eq 1 ] || usage
 case $1 in
-amd64) preset=gcc ;;
-armhf)
-    preset=packages-armhf
-    scripts/target-root.sh armhf >/dev/null
-    ;;
+amd64) ;;
+armhf) scripts/target-root.sh armhf >/dev/null ;;
 *) usage ;;
 esac
 
@@ -30,11 +27,13 @@ trap 'rm -f "$now" "$report"' EXIT
 quietly() { # shows the output of a step only when it fails
     "$@" >"$report" 2>&1 || { tail -60 "$report"; return 1; }
 }
-quietly cmake --preset "$preset"
-quietly cmake --build "build/$preset" --target talmor_kp410_port
+# Of what is optimised across files the compiler does not say which object is which.
+build=build/abi-$1
+quietly cmake --preset "abi-$1"
+quietly cmake --build "$build" --target talmor_kp410_port
 abidw --exported-interfaces-only --drop-undefined-syms --no-elf-needed --type-id-style hash \
     --no-corpus-path --no-comp-dir-path --no-show-locs \
-    "build/$preset/lib/libtalmor_kp410_port.so.1" | scripts/trim-abi.py >"$now"
+    "$build/lib/libtalmor_kp410_port.so.1" | scripts/trim-abi.py >"$now"
 
 kept=abi/$1.abi
 if [ $renew = yes ]; then

@@ -42,6 +42,15 @@ def put_elements(foreign_class, records):
                 "name": "element", "type-id": records[name], "visibility": "default"})
 
 
+def check_all_are_described(corpus, found):
+    """abidiff compares no symbol that nothing in the dump says is one of its own declarations."""
+    described = {node.get("elf-symbol-id") for _, node, _ in found}
+    bare = {symbol.get("name") for symbol in corpus.iter("elf-symbol")} - described
+    if bare:
+        sys.exit(f"Nothing describes {', '.join(sorted(bare))}: was the library built with -g, and "
+                 "not across its files?")
+
+
 def drop_empty_namespaces(parent):
     for node in list(parent):
         if node.tag == "namespace-decl":
@@ -53,6 +62,7 @@ def drop_empty_namespaces(parent):
 def trim(corpus):
     units = corpus.findall("abi-instr")
     found = [entry for unit in units for entry in declarations(unit)]
+    check_all_are_described(corpus, found)
     records = {node.get("name"): node.get("id") for _, node, foreign in found
                if node.tag == "class-decl" and not foreign and node.get("size-in-bits")}
     for _, node, foreign in found:

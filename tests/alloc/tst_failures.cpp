@@ -104,9 +104,18 @@ Scenario scenarioOf(const TraceCase& lines)
     return scenario;
 }
 
-void prepare(const Scenario& scenario)
+/// At rest, and without the memory that an answered frame leaves to the next.
+void putToRest()
 {
     runner.reset();
+    runner.outcome(traceLine(0, text("add read MEMORY_WORD 0+1")));
+    BIND(library, ComCommunication)();
+    runner.reset();
+}
+
+void prepare(const Scenario& scenario)
+{
+    putToRest();
     BIND(library, RegistCallBackFuncIntf)(noteFinish, noteFail);
     noted.clear();
     driver.comInfo->retryLimit = 3;
@@ -227,7 +236,7 @@ private slots:
     /// A write that there is no memory for, turn after turn, does not hold back the reads.
     void reads()
     {
-        runner.reset();
+        putToRest();
         runner.outcome(traceLine(0, text("add read MEMORY_WORD 0+2")));
         runner.outcome(traceLine(0, text("add write MEMORY_WORD 3+1 data:3412")));
         for (int i = 0; i < 5; ++i) {
@@ -244,7 +253,7 @@ private slots:
     /// the two when there is no way back.
     void heldFrame()
     {
-        runner.reset();
+        putToRest();
         runner.outcome(traceLine(0, text("add read MEMORY_WORD 0+2")));
         const TraceLine asked = traceLine(0, text(">+ 01 03 00 00 00 02"));
         QCOMPARE(runner.run(asked), QString());

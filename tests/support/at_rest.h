@@ -37,7 +37,6 @@ inline void putToRest(Communication_Protocol& driver, QMap<int, QMap<int, QByteA
     for (QList<RW_VAR>* entries : {&driver.readList, &driver.writeList, &driver.onceReadList})
         entries->clear();
     driver.frameList.clear();
-    driver.answeredFrames.clear();
     driver.stationMap.clear();
     driver.retVar = RW_VAR();
     driver.currentSource = SOURCE_NONE;

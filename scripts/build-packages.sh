@@ -45,7 +45,8 @@ for package in "$packages"/*.deb; do
     dpkg-deb --field "$package" Depends | sed 's/^/         needs /'
 done
 # dpkg-shlibdeps is content with less where it finds no packages.
-dpkg-deb --field "$packages"/libtalmor-kp410-port1_*.deb Depends | grep -qF "libqt5core5a (>= " ||
+needs=$(dpkg-deb --field "$packages"/libtalmor-kp410-port1_*.deb Depends)
+[[ $needs = *"libqt5core5a (>= "* ]] ||
     { echo "The library's package does not name the Qt that it needs." >&2; exit 1; }
 # Level 4: no symbol is gone, and none is new that cmake/packaging/symbols does not name. Only a version
 # behind that of the symbols is asked where they are.

@@ -23,15 +23,12 @@ def ratio_of(row, table, costs):
     return of / to
 
 
-def verdict(row, cost, ratio):
-    over = []
-    if row.limit and cost.instructions > row.limit:
-        over.append("instructions")
-    if row.at_most and round(ratio, 2) > row.at_most:
-        over.append("ratio")
-    if over:
-        return "over: " + ", ".join(over)
-    return "ok" if row.limit or row.at_most else ""
+def shares(row, cost, ratio):
+    """What the row takes of its targets for instructions and ratio; more than 1 is over."""
+    taken = ([cost.instructions / row.limit] if row.limit else []) + (
+        [round(ratio, 2) / row.at_most] if row.at_most else [])
+    over = " over" if any(share > 1 for share in taken) else ""
+    return ", ".join(f"{share:.2f}" for share in taken) + over
 
 
 def cells(row, table, costs):
@@ -43,10 +40,11 @@ def cells(row, table, costs):
     return [row.name, f"{cost.time:,.0f}",
             "" if cost.instructions is None else f"{cost.instructions:,.0f}",
             f"{cost.allocations:,.0f}", "" if ratio is None else f"{ratio:.2f} {unit}",
-            ", ".join(targets), verdict(row, cost, ratio), row.peer]
+            ", ".join(targets), shares(row, cost, ratio), row.peer]
 
 
-HEADINGS = ["row", "time, ns", "instructions", "allocations", "ratio", "at most", "", "peer"]
+HEADINGS = ["row", "time, ns", "instructions", "allocations", "ratio", "at most", "of that",
+            "peer"]
 LEFT = (0, 6, 7)
 
 

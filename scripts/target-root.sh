@@ -49,12 +49,14 @@ record() { # DEB
 }
 
 architecture=$1
-rm -rf "$apt" "$root" "$root.complete"
-mkdir -p "$apt/state/lists/partial" "$apt/cache/archives/partial" "$root"
+rm -rf "$apt"
+mkdir -p "$apt/state/lists/partial" "$apt/cache/archives/partial"
 : >"$apt/status" # nothing is installed
 # A list that a mirror is about to replace may be missing for a while; the others have all that is needed.
 own_apt update || echo "$0: going on with the lists that there are" >&2
 own_apt install --yes --download-only "${packages[@]}"
+rm -rf "$root" "$root.complete"
+mkdir -p "$root"
 for package in "$apt"/cache/archives/*.deb; do
     dpkg-deb --extract "$package" "$root"
 done

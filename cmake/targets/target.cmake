@@ -19,14 +19,14 @@ endif()
 
 set(KP410_TARGET_LIBRARIES ${KP410_TARGET_ROOT}/usr/lib/${libraries})
 set(KP410_TARGET_LIBRARY_PATH ${KP410_TARGET_ROOT}/lib/${libraries}:${KP410_TARGET_LIBRARIES})
-set(CMAKE_SHARED_LINKER_FLAGS_INIT "-Wl,-rpath-link,${KP410_TARGET_LIBRARY_PATH}")
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-Wl,-rpath-link,${KP410_TARGET_LIBRARY_PATH}")
+set(CMAKE_SHARED_LINKER_FLAGS_INIT "\"-Wl,-rpath-link,${KP410_TARGET_LIBRARY_PATH}\"")
+set(CMAKE_EXE_LINKER_FLAGS_INIT "\"-Wl,-rpath-link,${KP410_TARGET_LIBRARY_PATH}\"")
 # The machine's processor runs i386: a program only has to name its own loader and libraries. The old
 # kind of rpath holds for the libraries of a library as well.
 if(KP410_TARGET STREQUAL "i386")
   string(APPEND CMAKE_EXE_LINKER_FLAGS_INIT
-         " -Wl,--dynamic-linker,${KP410_TARGET_ROOT}/lib/ld-linux.so.2"
-         " -Wl,--disable-new-dtags,-rpath,${KP410_TARGET_LIBRARY_PATH}")
+         " \"-Wl,--dynamic-linker,${KP410_TARGET_ROOT}/lib/ld-linux.so.2\""
+         " \"-Wl,--disable-new-dtags,-rpath,${KP410_TARGET_LIBRARY_PATH}\"")
 endif()
 
 # Of the terminal the programs need what their users have: the libraries, which have no other names.

@@ -4,7 +4,9 @@
 
 #include <random>
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(__arm__) // emulated, or a panel
+constexpr int OPERATIONS = 20000;
+#elif defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr int OPERATIONS = 40000;
 #else
 constexpr int OPERATIONS = 300000;

@@ -25,10 +25,10 @@ check() { # WAY PROGRAM
     [[ $said = *"$library"* ]] || fail "$1: expected $library, got $said"
 }
 
-read -ra flags < <(pkg-config --cflags talmor_kp410_port)
+eval "flags=($(pkg-config --cflags talmor_kp410_port))" # which quotes what the shell would take
 echo '#include <talmor_kp410_port.h>' |
     "$cxx" -std=c++17 -fPIC -Wall -Wextra -Werror -fsyntax-only "${flags[@]}" -x c++ -
-read -ra libraries < <(pkg-config --libs talmor_kp410_port)
+eval "libraries=($(pkg-config --libs talmor_kp410_port))"
 "$cxx" -std=c++17 -fPIC -Wall -Wextra -Werror "${flags[@]}" host.cpp "${libraries[@]}" -o by_pkg_config
 check pkg-config ./by_pkg_config
 

@@ -272,7 +272,7 @@ QString Runner::list(const TraceLine& line)
     if (what == QLatin1String("keys"))
         return allOf(entries, [](const RW_VAR& var) { return QString::number(var.hostKey); });
     if (what == QLatin1String("last"))
-        return allOf(entries.mid(entries.size() - 1), shapeOf);
+        return allOf(entries.mid(std::max(0, entries.size() - 1)), shapeOf);
     return allOf(entries, what == QLatin1String("places")   ? placeOf
                           : what == QLatin1String("fields") ? fieldsOf
                                                             : shapeOf);

@@ -51,19 +51,19 @@ void appendCrc(QByteArray& frame)
     frame.append(bytes, sizeof bytes);
 }
 
-QByteArray localHead(int station, int functionCode, int address)
-{
-    const char head[] = {byteOf(station, 0), byteOf(functionCode, 0), byteOf(address, 8),
-                         byteOf(address, 0)};
-    QByteArray frame;
-    frame.reserve(SHORT_FRAME_BYTES);
-    frame.append(head, sizeof head);
-    return frame;
-}
-
 ShortFrame shortHead(int station, int functionCode, int address)
 {
     return {byteOf(station, 0), byteOf(functionCode, 0), byteOf(address, 8), byteOf(address, 0)};
+}
+
+QByteArray localHead(int station, int functionCode, int address)
+{
+    constexpr int headBytes = 4;
+    const ShortFrame head = shortHead(station, functionCode, address);
+    QByteArray frame;
+    frame.reserve(SHORT_FRAME_BYTES);
+    frame.append(head.data(), headBytes);
+    return frame;
 }
 
 ShortFrame shortRequest(int station, int functionCode, int address, int value)

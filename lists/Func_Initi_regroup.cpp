@@ -34,22 +34,7 @@ quint64 placeOf(const VarSource& source, const VAR_DESC& desc, const RW_VAR& var
     return group << ADDRESS_BITS | static_cast<unsigned>(var.address);
 }
 
-void appendBlocks(const VarSource& source)
-{
-    GroupedVars vars = variablesOf(source);
-    Bubble_Sort(&vars);
-    const GroupedVar* const end = vars.data() + vars.size();
-    for (const GroupedVar* group = vars.data(); group != end;) {
-        const auto inOther = [group](const GroupedVar& var) {
-            return groupOf(var) != groupOf(*group);
-        };
-        const GroupedVar* const next = std::find_if(group, end, inOther);
-        BitVarReCreat(source, group, next, source.settings.maxBlockLength);
-        group = next;
-    }
-}
-} // namespace
-
+/// The variables that can be read cyclically, in the order of their descriptions.
 GroupedVars variablesOf(const VarSource& source)
 {
     GroupedVars vars;
@@ -69,6 +54,22 @@ GroupedVars variablesOf(const VarSource& source)
     }
     return vars;
 }
+
+void appendBlocks(const VarSource& source)
+{
+    GroupedVars vars = variablesOf(source);
+    Bubble_Sort(&vars);
+    const GroupedVar* const end = vars.data() + vars.size();
+    for (const GroupedVar* group = vars.data(); group != end;) {
+        const auto inOther = [group](const GroupedVar& var) {
+            return groupOf(var) != groupOf(*group);
+        };
+        const GroupedVar* const next = std::find_if(group, end, inOther);
+        BitVarReCreat(source, group, next, source.settings.maxBlockLength);
+        group = next;
+    }
+}
+} // namespace
 
 RW_VAR recordOf(const VarSource& source, const GroupedVar& grouped)
 {

@@ -37,9 +37,6 @@ struct VarSource {
     const ComInfo& settings;
 };
 
-/// The variables that can be read cyclically, in the order of their descriptions.
-GroupedVars variablesOf(const VarSource& source);
-
 /// The record that a block takes its fields from, in native units.
 RW_VAR recordOf(const VarSource& source, const GroupedVar& var);
 
